@@ -1,0 +1,15 @@
+# Warnings are errors in our own targets only; third-party headers come in as SYSTEM includes.
+set(LEDGEON_WARNINGS
+  -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wsign-conversion -Wold-style-cast -Wcast-qual
+  -Wnon-virtual-dtor -Woverloaded-virtual -Wsuggest-override -Wimplicit-fallthrough -Wextra-semi
+  -Wmissing-declarations -Wformat=2 -Wundef -Wzero-as-null-pointer-constant -Wfloat-equal
+  -Wnull-dereference -Werror)
+if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+  list(APPEND LEDGEON_WARNINGS -Wlogical-op -Wduplicated-cond -Wduplicated-branches)
+elseif(CMAKE_CXX_COMPILER_ID MATCHES "Clang")
+  list(APPEND LEDGEON_WARNINGS -Wthread-safety -Wcomma -Wloop-analysis)
+endif()
+
+function(ledgeon_target_warnings target)
+  target_compile_options(${target} PRIVATE $<$<COMPILE_LANGUAGE:CXX>:${LEDGEON_WARNINGS}>)
+endfunction()

@@ -1,0 +1,147 @@
+#pragma once
+
+#include <compare>
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+namespace ledgeon {
+
+// Stored as integer codes in documents and preferences: the values are fixed.
+enum class RoundingMode : uint8_t {
+  Plain = 0,    // half away from zero
+  Down = 1,     // toward negative infinity
+  Up = 2,       // toward positive infinity
+  Bankers = 3,  // half to even
+};
+
+enum class CalculationError : uint8_t {
+  NoError = 0,
+  LossOfPrecision = 1,
+  Underflow = 2,
+  Overflow = 3,
+  DivideByZero = 4,
+};
+
+enum class ComparisonResult : int8_t { Ascending = -1, Same = 0, Descending = 1 };
+
+struct Calculation;
+
+// A base-10 decimal of up to 38 significant digits: mantissa x 10^exponent, with a sign and a
+// not-a-number state. Every money value, quantity, price and rate is one. Immutable and trivially
+// copyable; no operation allocates. Thread-safe as any value.
+class Amount final {
+ public:
+  static constexpr int kMaxDigits = 38;
+  static constexpr int kMinExponent = -128;
+  static constexpr int kMaxExponent = 127;
+
+  constexpr Amount() noexcept = default;  // zero
+
+  // Shared constants.
+  static Amount zero() noexcept;
+  static Amount one() noexcept;
+  static Amount minusOne() noexcept;
+  static Amount oneHundred() noexcept;
+  static Amount oneHundredth() noexcept;
+  static Amount notANumber() noexcept;
+
+  // Construction. A mantissa of more than 38 digits is rounded plain; an exponent outside the
+  // 8-bit range after normalisation gives NaN.
+  static Amount fromParts(unsigned __int128 mantissa, int exponent, bool negative) noexcept;
+  static Amount fromInt64(int64_t value) noexcept;
+  static Amount fromUInt64(uint64_t value) noexcept;
+  // The shortest decimal that reads back as the same double; NaN and infinities give NaN.
+  static Amount fromDouble(double value) noexcept;
+  // Locale-free text: optional sign, digits with an optional "." and an optional exponent
+  // ("1.5e3"). Anything else, including empty text, gives NaN.
+  static Amount fromString(std::string_view text) noexcept;
+  // Text in the conventions of an ICU locale ("de_DE": "," is the decimal separator).
+  static Amount fromString(std::string_view text, std::string_view localeIdentifier);
+
+  // Safe constructors: never NaN. Empty or unparsable text gives zero; unparsable text also logs
+  // "ERROR: String value (%@) is not a number (NaN)!".
+  static Amount safeDecimalNumberWithString(std::string_view text);
+  static Amount safeDecimalNumberWithString(std::string_view text,
+                                            std::string_view localeIdentifier);
+  static Amount safeDecimalNumberWithValue(const Amount& value) noexcept;
+  static Amount safeDecimalNumberWithValue(double value) noexcept;
+  static Amount safeDecimalNumberWithValue(int64_t value) noexcept;
+  static Amount safeDecimalNumberWithValue(std::string_view text);
+
+  // Parts.
+  unsigned __int128 mantissa() const noexcept { return mantissa_; }
+  int exponent() const noexcept { return exponent_; }
+  bool isSignNegative() const noexcept { return negative_; }
+
+  // Predicates. isValid is deliberately false for zero as well as NaN.
+  bool isZero() const noexcept { return !nan_ && mantissa_ == 0; }
+  bool isNotZero() const noexcept { return !isZero(); }
+  bool isNaN() const noexcept { return nan_; }
+  bool isNotNaN() const noexcept { return !nan_; }
+  bool isValid() const noexcept { return !nan_ && mantissa_ != 0; }
+  bool isPositive() const noexcept { return !nan_ && mantissa_ != 0 && !negative_; }
+  bool isNegative() const noexcept { return !nan_ && mantissa_ != 0 && negative_; }
+  bool isEqualTo(const Amount& other) const noexcept;
+  bool isGreaterThan(const Amount& other) const noexcept;
+  bool isLessThan(const Amount& other) const noexcept;
+
+  // Decimal comparison; NaN sorts below every number and equal to itself.
+  ComparisonResult compare(const Amount& other) const noexcept;
+  friend bool operator==(const Amount& a, const Amount& b) noexcept { return a.isEqualTo(b); }
+  friend std::strong_ordering operator<=>(const Amount& a, const Amount& b) noexcept;
+
+  // Arithmetic. Results beyond 38 digits drop digits with the given mode (LossOfPrecision);
+  // overflow, underflow and division by zero are reported and leave NaN. NaN in gives NaN out.
+  static Calculation add(const Amount& a, const Amount& b, RoundingMode mode) noexcept;
+  static Calculation subtract(const Amount& a, const Amount& b, RoundingMode mode) noexcept;
+  static Calculation multiply(const Amount& a, const Amount& b, RoundingMode mode) noexcept;
+  static Calculation divide(const Amount& a, const Amount& b, RoundingMode mode) noexcept;
+  static Calculation power(const Amount& a, unsigned exponent, RoundingMode mode) noexcept;
+  static Calculation multiplyByPowerOf10(const Amount& a, int power, RoundingMode mode) noexcept;
+  // Rounds to `scale` digits after the point (negative: tens, hundreds, ...).
+  static Calculation roundToScale(const Amount& a, int scale, RoundingMode mode) noexcept;
+
+  // Conveniences with plain rounding that drop the error code.
+  Amount decimalNumberByAdding(const Amount& other) const noexcept;
+  Amount decimalNumberBySubtracting(const Amount& other) const noexcept;
+  Amount decimalNumberByMultiplyingBy(const Amount& other) const noexcept;
+  Amount decimalNumberByDividingBy(const Amount& other) const noexcept;
+
+  // Helpers with the program's fixed rounding rules.
+  Amount abs() const noexcept;
+  Amount decimalNumberByNegating() const noexcept;
+  Amount round() const noexcept;                            // scale 0, plain; NaN and 0 give 0
+  Amount roundWithScale(int scale) const noexcept;          // plain; NaN stays NaN, 0 gives 0
+  Amount roundTo6Places() const noexcept;                   // scale 6, plain
+  Amount roundAccordingToCurrency(std::string_view isoCode) const;  // currency digits, plain
+  Amount roundedDisplayPercentage() const noexcept;         // x 100, scale 2; NaN and 0 give 0
+  Amount roundUpToMajorDollarAmount() const noexcept;       // next 1,000/10,000/100,000 up
+
+  // Conversions. Integer conversions go through double, truncating.
+  double doubleValue() const noexcept;
+  int64_t longLongValue() const noexcept;
+  uint64_t unsignedLongLongValue() const noexcept;
+  int32_t intValue() const noexcept;
+  uint32_t unsignedIntValue() const noexcept;
+
+  // The plain textual form: "-1234.5", "0.001", "1200", "NaN". Locale-free, no exponent.
+  std::string stringValue() const;
+  std::string description() const { return stringValue(); }
+  // The value written with the decimal separator of an ICU locale, no grouping.
+  std::string descriptionWithLocale(std::string_view localeIdentifier) const;
+
+ private:
+  unsigned __int128 mantissa_ = 0;
+  int8_t exponent_ = 0;
+  bool negative_ = false;
+  bool nan_ = false;
+};
+
+// The outcome of one decimal operation: the value it left and what went wrong, if anything.
+struct Calculation {
+  Amount value;
+  CalculationError error = CalculationError::NoError;
+};
+
+}  // namespace ledgeon

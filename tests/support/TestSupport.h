@@ -1,0 +1,42 @@
+#pragma once
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+namespace ledgeon::testing {
+
+// A fresh folder under the system's temporary folder, removed with everything in it at the end.
+class TempFolder final {
+ public:
+  TempFolder();
+  ~TempFolder();
+  TempFolder(const TempFolder&) = delete;
+  TempFolder& operator=(const TempFolder&) = delete;
+
+  const std::filesystem::path& path() const { return path_; }
+  std::filesystem::path operator/(const std::string& name) const { return path_ / name; }
+
+ private:
+  std::filesystem::path path_;
+};
+
+// The outcome of running the `ledgeon` program.
+struct CliResult {
+  int exitStatus = -1;
+  std::string out;
+  std::string err;
+};
+
+// Runs the built `ledgeon` with `arguments` (no shell), `input` on stdin, and LEDGEON_HOME set to
+// `home` so it never touches a real home folder.
+CliResult runCli(const std::vector<std::string>& arguments, const std::filesystem::path& home,
+                 const std::string& input = "");
+
+// A file of the shared real-world test data (bank OFX files, CSV edge cases).
+std::filesystem::path sharedTestData(const std::string& relativePath);
+
+// Reads a whole file.
+std::string readFile(const std::filesystem::path& path);
+
+}  // namespace ledgeon::testing
