@@ -45,7 +45,8 @@ const SubcommandRegistration registration(900, [](CLI::App& app) {
   auto* demo = app.add_subcommand(
       "demo", "Build a sample ledger from the bundled sample files and show what Ledgeon does");
   auto folder = std::make_shared<std::filesystem::path>();
-  demo->add_option("--work-folder", *folder, "Folder for the sample document (default: a temp folder)");
+  demo->add_option("--work-folder", *folder,
+                   "Folder for the sample document (default: a temp folder)");
   demo->callback([folder] { runDemo(*folder); });
 });
 

@@ -1,10 +1,10 @@
 #pragma once
 
-#include <CLI/CLI.hpp>
-
 #include <functional>
 #include <stdexcept>
 #include <string>
+
+#include <CLI/CLI.hpp>
 
 namespace ledgeon::cli {
 

@@ -1,8 +1,8 @@
-#include <CLI/CLI.hpp>
-
 #include <exception>
 #include <iostream>
 #include <memory>
+
+#include <CLI/CLI.hpp>
 
 #include "Platform/ApplicationPaths.h"
 #include "Platform/Preferences.h"

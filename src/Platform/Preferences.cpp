@@ -1,10 +1,10 @@
 #include "Platform/Preferences.h"
 
-#include <fmt/format.h>
-
 #include <cmath>
 #include <fstream>
 #include <sstream>
+
+#include <fmt/format.h>
 
 namespace ledgeon {
 
@@ -18,8 +18,9 @@ Result<void> Preferences::load() {
   text << in.rdbuf();
   auto parsed = nlohmann::json::parse(text.str(), nullptr, false);
   if (parsed.is_discarded() || !parsed.is_object()) {
-    return Error::make(kLErrorDomain, 1,
-                       fmt::format("{}: the preferences file is not a JSON object", file_.string()));
+    return Error::make(
+        kLErrorDomain, 1,
+        fmt::format("{}: the preferences file is not a JSON object", file_.string()));
   }
   values_ = std::move(parsed);
   return {};
@@ -35,7 +36,8 @@ Result<void> Preferences::synchronize() {
     std::ofstream out(temporary, std::ios::trunc);
     out << values_.dump(2) << '\n';
     if (!out.flush()) {
-      return Error::make(kLErrorDomain, 2, fmt::format("{}: cannot be written", temporary.string()));
+      return Error::make(kLErrorDomain, 2,
+                         fmt::format("{}: cannot be written", temporary.string()));
     }
   }
   std::filesystem::rename(temporary, file_, ec);

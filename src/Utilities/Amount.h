@@ -111,12 +111,12 @@ class Amount final {
   // Helpers with the program's fixed rounding rules.
   Amount abs() const noexcept;
   Amount decimalNumberByNegating() const noexcept;
-  Amount round() const noexcept;                            // scale 0, plain; NaN and 0 give 0
-  Amount roundWithScale(int scale) const noexcept;          // plain; NaN stays NaN, 0 gives 0
-  Amount roundTo6Places() const noexcept;                   // scale 6, plain
+  Amount round() const noexcept;                    // scale 0, plain; NaN and 0 give 0
+  Amount roundWithScale(int scale) const noexcept;  // plain; NaN stays NaN, 0 gives 0
+  Amount roundTo6Places() const noexcept;           // scale 6, plain
   Amount roundAccordingToCurrency(std::string_view isoCode) const;  // currency digits, plain
-  Amount roundedDisplayPercentage() const noexcept;         // x 100, scale 2; NaN and 0 give 0
-  Amount roundUpToMajorDollarAmount() const noexcept;       // next 1,000/10,000/100,000 up
+  Amount roundedDisplayPercentage() const noexcept;    // x 100, scale 2; NaN and 0 give 0
+  Amount roundUpToMajorDollarAmount() const noexcept;  // next 1,000/10,000/100,000 up
 
   // Conversions. Integer conversions go through double, truncating.
   double doubleValue() const noexcept;

@@ -1,9 +1,9 @@
 #include "Utilities/Date.h"
 
-#include <fmt/format.h>
-
 #include <cmath>
 #include <ctime>
+
+#include <fmt/format.h>
 
 namespace ledgeon {
 

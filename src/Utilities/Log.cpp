@@ -1,11 +1,11 @@
 #include "Utilities/Log.h"
 
-#include <fmt/format.h>
-
 #include <algorithm>
 #include <cstdio>
 #include <fstream>
 #include <iostream>
+
+#include <fmt/format.h>
 
 #include "Utilities/Clock.h"
 

@@ -48,8 +48,8 @@ class NotificationCenter final {
 class ScopedObserver final {
  public:
   ScopedObserver() = default;
-  ScopedObserver(NotificationCenter& center, std::string name, NotificationCenter::Observer observer,
-                 const void* object = nullptr);
+  ScopedObserver(NotificationCenter& center, std::string name,
+                 NotificationCenter::Observer observer, const void* object = nullptr);
   ~ScopedObserver();
   ScopedObserver(ScopedObserver&& other) noexcept;
   ScopedObserver& operator=(ScopedObserver&& other) noexcept;

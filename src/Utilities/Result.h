@@ -13,7 +13,7 @@ namespace ledgeon {
 template <typename T>
 class [[nodiscard]] Result final {
  public:
-  Result(T value) : state_(std::in_place_index<0>, std::move(value)) {}  // NOLINT: implicit
+  Result(T value) : state_(std::in_place_index<0>, std::move(value)) {}      // NOLINT: implicit
   Result(Error error) : state_(std::in_place_index<1>, std::move(error)) {}  // NOLINT: implicit
 
   bool ok() const noexcept { return state_.index() == 0; }
@@ -32,8 +32,9 @@ class [[nodiscard]] Result final {
  private:
   const std::variant<T, Error>& checked(bool wantValue) const {
     if (ok() != wantValue) {
-      throw std::logic_error(wantValue ? "Result holds an error: " + std::get<1>(state_).description()
-                                       : "Result holds a value, not an error");
+      throw std::logic_error(wantValue
+                                 ? "Result holds an error: " + std::get<1>(state_).description()
+                                 : "Result holds a value, not an error");
     }
     return state_;
   }

@@ -1,11 +1,11 @@
 #include "Utilities/StringWithFormat.h"
 
-#include <fmt/format.h>
-
 #include <cctype>
 #include <cstdio>
 #include <cstdlib>
 #include <vector>
+
+#include <fmt/format.h>
 
 namespace ledgeon {
 
@@ -127,8 +127,8 @@ std::string stringWithFormatArguments(std::string_view format,
     size_t j = i + 1;
     std::string flagsWidthPrecision;
     while (j < format.size() && isFlag(format[j])) flagsWidthPrecision += format[j++];
-    while (j < format.size() && (std::isdigit(static_cast<unsigned char>(format[j])) != 0 ||
-                                 format[j] == '.')) {
+    while (j < format.size() &&
+           (std::isdigit(static_cast<unsigned char>(format[j])) != 0 || format[j] == '.')) {
       flagsWidthPrecision += format[j++];
     }
     while (j < format.size() && isLengthModifier(format[j])) ++j;

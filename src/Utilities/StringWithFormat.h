@@ -17,19 +17,19 @@ class FormatArgument final {
   template <std::signed_integral T>
   FormatArgument(T value) : value_(static_cast<int64_t>(value)) {}  // NOLINT: implicit
   template <std::unsigned_integral T>
-    requires(!std::same_as<T, bool>)
-  FormatArgument(T value) : value_(static_cast<uint64_t>(value)) {}  // NOLINT: implicit
+  requires(!std::same_as<T, bool>) FormatArgument(T value)
+      : value_(static_cast<uint64_t>(value)) {}                   // NOLINT: implicit
   FormatArgument(bool value) : value_(int64_t{value ? 1 : 0}) {}  // NOLINT: implicit
   template <std::floating_point T>
   FormatArgument(T value) : value_(static_cast<double>(value)) {}  // NOLINT: implicit
   FormatArgument(const char* text) : value_(text ? std::string(text) : "(null)") {}  // NOLINT
-  FormatArgument(std::string text) : value_(std::move(text)) {}                // NOLINT: implicit
-  FormatArgument(std::string_view text) : value_(std::string(text)) {}         // NOLINT: implicit
-  FormatArgument(std::nullptr_t) : value_(std::string("(null)")) {}            // NOLINT: implicit
+  FormatArgument(std::string text) : value_(std::move(text)) {}         // NOLINT: implicit
+  FormatArgument(std::string_view text) : value_(std::string(text)) {}  // NOLINT: implicit
+  FormatArgument(std::nullptr_t) : value_(std::string("(null)")) {}     // NOLINT: implicit
   template <typename T>
-    requires requires(const T& t) {
-      { t.description() } -> std::convertible_to<std::string>;
-    }
+  requires requires(const T& t) {
+    { t.description() } -> std::convertible_to<std::string>;
+  }
   FormatArgument(const T& value) : value_(std::string(value.description())) {}  // NOLINT
   template <typename T>
   FormatArgument(const std::optional<T>& value)  // NOLINT: implicit

@@ -1,10 +1,10 @@
 #include "Utilities/StringsTable.h"
 
-#include <fmt/format.h>
-
 #include <fstream>
 #include <mutex>
 #include <sstream>
+
+#include <fmt/format.h>
 
 #include "Utilities/Log.h"
 #include "Utilities/Resources.h"

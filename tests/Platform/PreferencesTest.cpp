@@ -1,10 +1,9 @@
-#include "Platform/Preferences.h"
+#include <fstream>
 
 #include <gtest/gtest.h>
 
-#include <fstream>
-
 #include "Platform/ApplicationPaths.h"
+#include "Platform/Preferences.h"
 #include "support/TestSupport.h"
 
 namespace ledgeon {

@@ -1,9 +1,9 @@
-#include "Utilities/NotificationCenter.h"
+#include <string>
+#include <vector>
 
 #include <gtest/gtest.h>
 
-#include <string>
-#include <vector>
+#include "Utilities/NotificationCenter.h"
 
 namespace ledgeon {
 namespace {

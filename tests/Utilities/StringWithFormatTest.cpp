@@ -1,11 +1,10 @@
-#include "Utilities/StringWithFormat.h"
+#include <thread>
 
 #include <gtest/gtest.h>
 
-#include <thread>
-
 #include "Utilities/Date.h"
 #include "Utilities/Log.h"
+#include "Utilities/StringWithFormat.h"
 
 namespace ledgeon {
 namespace {

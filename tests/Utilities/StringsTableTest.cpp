@@ -1,6 +1,6 @@
-#include "Utilities/StringsTable.h"
-
 #include <gtest/gtest.h>
+
+#include "Utilities/StringsTable.h"
 
 namespace ledgeon {
 namespace {

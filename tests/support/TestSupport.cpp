@@ -1,10 +1,5 @@
 #include "support/TestSupport.h"
 
-#include <fcntl.h>
-#include <spawn.h>
-#include <sys/wait.h>
-#include <unistd.h>
-
 #include <array>
 #include <atomic>
 #include <cstdlib>
@@ -12,6 +7,11 @@
 #include <sstream>
 #include <stdexcept>
 #include <thread>
+
+#include <fcntl.h>
+#include <spawn.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 extern char** environ;  // NOLINT: the process environment, passed on to children
 
