@@ -61,7 +61,11 @@ bool hasOwnerAccess(const fs::file_status& status) {
 bool grantOwnerAccess(const fs::path& path, std::vector<fs::path>& failures) {
   std::error_code ec;
   const fs::file_status status = fs::symlink_status(path, ec);
-  if (ec || fs::is_symlink(status)) return !ec;
+  if (ec || !fs::exists(status)) {
+    failures.push_back(path);
+    return false;
+  }
+  if (fs::is_symlink(status)) return true;
   fs::perms wanted = kOwnerReadWrite;
   const fs::perms anyExec = fs::perms::owner_exec | fs::perms::group_exec | fs::perms::others_exec;
   if (fs::is_directory(status) || (status.permissions() & anyExec) != fs::perms::none) {

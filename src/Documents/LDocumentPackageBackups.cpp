@@ -266,7 +266,7 @@ Result<void> LDocumentPackage::backupPackage(const Path& packagePath, const Path
 
   LBackupInfo info{Clock::now(), options.note, options.originalFilePath, options.reason,
                    options.UID};
-  const std::string infoData = info.propertyList().xmlData();
+  const std::string infoData = info.propertyList().binaryData();
   const std::string root = LDocumentPackage(packagePath).documentName();
   bool ok = addPackageEntries(archive.get(), packagePath, root);
   if (ok) {

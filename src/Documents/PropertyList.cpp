@@ -174,7 +174,7 @@ Result<void> PropertyList::writeToFile(const std::string& path) const {
   const std::string temporary = path + ".tmp" + std::to_string(::getpid());
   {
     std::ofstream out(temporary, std::ios::binary | std::ios::trunc);
-    const std::string text = xmlData();
+    const std::string text = binaryData();
     out.write(text.data(), static_cast<std::streamsize>(text.size()));
     if (!out.flush()) {
       std::remove(temporary.c_str());

@@ -45,7 +45,8 @@ class PropertyList final {
 
   std::string xmlData() const;
   std::string binaryData() const;
-  // Writes XML atomically (a temporary file renamed over the target).
+  // Writes the binary form atomically (a temporary file renamed over the target). Binary keeps
+  // dates to the microsecond; libplist's XML form keeps whole seconds only.
   Result<void> writeToFile(const std::string& path) const;
 
  private:
