@@ -4,8 +4,8 @@
 #include <cctype>
 #include <fstream>
 #include <sstream>
+#include <utility>
 
-#include "Platform/ApplicationPaths.h"
 #include "Utilities/Log.h"
 
 namespace ledgeon {
@@ -103,6 +103,21 @@ LDocumentPackage::LDocumentPackage(Path url)
     : absoluteURL_(fs::absolute(std::move(url)).lexically_normal()) {
   // "Doc.ledgeon/" and "Doc.ledgeon" are the same package.
   if (absoluteURL_.filename().empty()) absoluteURL_ = absoluteURL_.parent_path();
+}
+
+LDocumentPackage::LDocumentPackage(LDocumentPackage&& other) noexcept
+    : absoluteURL_(std::move(other.absoluteURL_)),
+      reportPaths_(std::move(other.reportPaths_)),
+      lockId_(std::exchange(other.lockId_, std::string())) {}
+
+LDocumentPackage& LDocumentPackage::operator=(LDocumentPackage&& other) noexcept {
+  if (this != &other) {
+    unlock();
+    absoluteURL_ = std::move(other.absoluteURL_);
+    reportPaths_ = std::move(other.reportPaths_);
+    lockId_ = std::exchange(other.lockId_, std::string());
+  }
+  return *this;
 }
 
 LDocumentPackage::~LDocumentPackage() { close(); }

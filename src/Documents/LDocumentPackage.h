@@ -24,8 +24,9 @@ class LDocumentPackage final {
   // A package object for the directory at `url`; nothing is created or locked yet.
   explicit LDocumentPackage(Path url);
   static LDocumentPackage initWithURL(Path url) { return LDocumentPackage(std::move(url)); }
-  LDocumentPackage(LDocumentPackage&&) = default;
-  LDocumentPackage& operator=(LDocumentPackage&&) = default;
+  // A moved-from package holds no lock, so only one of the two ever gives it up.
+  LDocumentPackage(LDocumentPackage&& other) noexcept;
+  LDocumentPackage& operator=(LDocumentPackage&& other) noexcept;
   ~LDocumentPackage();
 
   // Gives up this opener's lock.

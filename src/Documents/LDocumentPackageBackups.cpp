@@ -186,9 +186,7 @@ Result<void> extractMember(zip_t* archive, zip_uint64_t index, const fs::path& t
 
 }  // namespace
 
-fs::path LDocumentPackage::defaultBackupsDirectory() {
-  return ApplicationPaths::supportFolder() / "Backups";
-}
+fs::path LDocumentPackage::defaultBackupsDirectory() { return ApplicationPaths::backupsFolder(); }
 
 fs::path LDocumentPackage::suggestedBackupPathForPackage(const Path& packagePath,
                                                          const Path& backupsDirectory) {
