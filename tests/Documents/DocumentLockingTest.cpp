@@ -1,7 +1,9 @@
 #include <fstream>
+#include <memory>
 
 #include <gtest/gtest.h>
 #include <sys/wait.h>
+#include <unicode/timezone.h>
 #include <unistd.h>
 
 #include "Documents/DocumentLocking.h"
@@ -171,7 +173,20 @@ TEST(DocumentLockingTest, OldestConflictIsReportedAndTheButtonsAreObeyed) {
   EXPECT_EQ(fixture.package.allLocks().size(), 2u);
 }
 
+// Pins ICU's default zone for the guard's lifetime, whatever TZ the test runner passed.
+class ScopedICUTimeZone {
+ public:
+  explicit ScopedICUTimeZone(const char* zone) : previous_(icu::TimeZone::createDefault()) {
+    icu::TimeZone::adoptDefault(icu::TimeZone::createTimeZone(zone));
+  }
+  ~ScopedICUTimeZone() { icu::TimeZone::adoptDefault(previous_.release()); }
+
+ private:
+  std::unique_ptr<icu::TimeZone> previous_;
+};
+
 TEST(DocumentLockingTest, ConflictTextsByKind) {
+  ScopedICUTimeZone zone("America/New_York");
   LFileLockInfo lock;
   lock.pidNumber = 4242;
   lock.bundleName = "Ledgeon";
