@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cctype>
 #include <fstream>
+#include <mutex>
 #include <sstream>
 #include <utility>
 
@@ -210,6 +211,30 @@ const std::vector<std::string>& LDocumentPackage::packageFolderNames() {
   return kFolders;
 }
 
+namespace {
+
+std::mutex& supportFileSetsMutex() {
+  static std::mutex mutex;
+  return mutex;
+}
+
+std::vector<LDocumentPackage::SupportFileSet>& supportFileSets() {
+  static std::vector<LDocumentPackage::SupportFileSet> sets;
+  return sets;
+}
+
+}  // namespace
+
+void LDocumentPackage::registerSupportFileSet(SupportFileSet set) {
+  std::lock_guard lock(supportFileSetsMutex());
+  supportFileSets().push_back(std::move(set));
+}
+
+std::vector<LDocumentPackage::SupportFileSet> LDocumentPackage::registeredSupportFileSets() {
+  std::lock_guard lock(supportFileSetsMutex());
+  return supportFileSets();
+}
+
 Result<void> LDocumentPackage::createNewFileWithSupportFoldersFor() {
   std::error_code ec;
   if (fs::exists(fs::symlink_status(absoluteURL_, ec))) {
@@ -218,10 +243,16 @@ Result<void> LDocumentPackage::createNewFileWithSupportFoldersFor() {
   if (!fs::create_directory(absoluteURL_, ec) || ec) {
     return packageError(absoluteURL_, "cannot be created: " + ec.message());
   }
-  return updateExistingFileAndSupportFolders();
+  if (auto made = createPackageFolders(); !made) return made;
+  return moveSupportFilesIntoPackage(registeredSupportFileSets());
 }
 
 Result<void> LDocumentPackage::updateExistingFileAndSupportFolders() {
+  if (auto made = createPackageFolders(); !made) return made;
+  return updateSupportFilesInPackage(registeredSupportFileSets());
+}
+
+Result<void> LDocumentPackage::createPackageFolders() {
   std::error_code ec;
   if (!fs::is_directory(absoluteURL_, ec)) {
     LLog("Not a directory: %@", absoluteURL_.string());
@@ -230,6 +261,33 @@ Result<void> LDocumentPackage::updateExistingFileAndSupportFolders() {
   for (const auto& name : packageFolderNames()) {
     fs::create_directory(absoluteURL_ / name, ec);
     if (ec) return packageError(absoluteURL_ / name, "cannot be created: " + ec.message());
+  }
+  return {};
+}
+
+Result<void> LDocumentPackage::moveSupportFilesIntoPackage(
+    const std::vector<SupportFileSet>& sets) {
+  return copySupportFiles(sets, fs::copy_options::overwrite_existing);
+}
+
+Result<void> LDocumentPackage::updateSupportFilesInPackage(
+    const std::vector<SupportFileSet>& sets) {
+  return copySupportFiles(sets, fs::copy_options::update_existing);
+}
+
+Result<void> LDocumentPackage::copySupportFiles(const std::vector<SupportFileSet>& sets,
+                                                fs::copy_options how) {
+  for (const auto& set : sets) {
+    auto target = moduleFolderPath(set.supportFolderModuleID, true);
+    if (!target) {
+      return packageError(absoluteURL_ / set.supportFolderModuleID, "cannot be created");
+    }
+    std::error_code ec;
+    fs::copy(set.supportFolderSourcePath, *target, how | fs::copy_options::recursive, ec);
+    if (ec) {
+      return packageError(set.supportFolderSourcePath,
+                          "support files cannot be copied: " + ec.message());
+    }
   }
   return {};
 }

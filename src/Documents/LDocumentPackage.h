@@ -68,10 +68,26 @@ class LDocumentPackage final {
   // Every folder of a package, relative to it.
   static const std::vector<std::string>& packageFolderNames();
 
-  // Makes a new package at the URL with all its folders; fails when something is there already.
+  // Files a module keeps in every package (templates, icons ...): the contents of
+  // `supportFolderSourcePath` copied into the package folder named `supportFolderModuleID`.
+  struct SupportFileSet {
+    std::string supportFolderModuleID;
+    Path supportFolderSourcePath;
+  };
+  // Modules register their sets at start-up, before any package is created or opened.
+  static void registerSupportFileSet(SupportFileSet set);
+  static std::vector<SupportFileSet> registeredSupportFileSets();
+
+  // Makes a new package at the URL with all its folders and the registered support files;
+  // fails when something is there already.
   Result<void> createNewFileWithSupportFoldersFor();
-  // Adds the folders an existing package lacks (packages made by older versions).
+  // Adds the folders an existing package lacks (packages made by older versions) and brings
+  // the registered support files up to date.
   Result<void> updateExistingFileAndSupportFolders();
+  // Copies every file of the sets, replacing what is there.
+  Result<void> moveSupportFilesIntoPackage(const std::vector<SupportFileSet>& sets);
+  // Copies the files of the sets that the package lacks or holds in an older version.
+  Result<void> updateSupportFilesInPackage(const std::vector<SupportFileSet>& sets);
 
   // The folder of a module below the package, created when asked; failures are logged.
   std::optional<Path> moduleFolderPath(const std::string& moduleID, bool createIfNecessary);
@@ -136,6 +152,9 @@ class LDocumentPackage final {
 
  private:
   Path folder(const char* name) const { return absoluteURL_ / name; }
+  Result<void> createPackageFolders();
+  Result<void> copySupportFiles(const std::vector<SupportFileSet>& sets,
+                                std::filesystem::copy_options how);
 
   Path absoluteURL_;
   std::map<std::string, Path> reportPaths_;

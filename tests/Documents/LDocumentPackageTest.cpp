@@ -176,5 +176,34 @@ TEST(LDocumentPackageTest, CleanUpRemovesOnlyLeftOvers) {
   for (const auto& e : entries) EXPECT_EQ(!fs::exists(root / e.name), e.removed) << e.name;
 }
 
+TEST(LDocumentPackageTest, SupportFilesAreCopiedAndBroughtUpToDate) {
+  testing::TempFolder temp;
+  const fs::path source = temp / "templates";
+  writeFile(source / "budget.html", "v1");
+  writeFile(source / "icons" / "bank.png", "png");
+  const std::vector<LDocumentPackage::SupportFileSet> sets = {{"budgetTemplates", source}};
+  LDocumentPackage package(temp / "Home.ledgeon");
+  ASSERT_TRUE(package.createNewFileWithSupportFoldersFor());
+  ASSERT_TRUE(package.moveSupportFilesIntoPackage(sets));
+  const fs::path copied = temp / "Home.ledgeon" / "budgetTemplates";
+  EXPECT_EQ(testing::readFile(copied / "budget.html"), "v1");
+  EXPECT_EQ(testing::readFile(copied / "icons" / "bank.png"), "png");
+
+  // The user's edit survives an update unless the shipped file is newer.
+  writeFile(copied / "icons" / "bank.png", "edited");
+  writeFile(source / "budget.html", "v2");
+  fs::last_write_time(source / "budget.html",
+                      fs::last_write_time(copied / "budget.html") + std::chrono::hours(1));
+  fs::last_write_time(source / "icons" / "bank.png",
+                      fs::last_write_time(copied / "icons" / "bank.png") - std::chrono::hours(1));
+  ASSERT_TRUE(package.updateSupportFilesInPackage(sets));
+  EXPECT_EQ(testing::readFile(copied / "budget.html"), "v2");
+  EXPECT_EQ(testing::readFile(copied / "icons" / "bank.png"), "edited");
+
+  ASSERT_TRUE(package.moveSupportFilesIntoPackage(sets));
+  EXPECT_EQ(testing::readFile(copied / "icons" / "bank.png"), "png");
+  EXPECT_FALSE(package.moveSupportFilesIntoPackage({{"other", temp / "missing"}}));
+}
+
 }  // namespace
 }  // namespace ledgeon
