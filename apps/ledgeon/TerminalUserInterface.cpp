@@ -100,8 +100,9 @@ AlertResponse TerminalUserInterface::runAlert(const Alert& alert) {
     std::cerr << "(answer \"" << wanted << "\" is not one of the buttons)\n";
   }
   if (::isatty(STDIN_FILENO) == 0) return answer(alert.buttons.size() - 1);
-  for (std::string line; std::cerr << "Choose 1-" << alert.buttons.size() << ": " << std::flush,
-                         std::getline(std::cin, line);) {
+  for (std::string line;;) {
+    std::cerr << "Choose 1-" << alert.buttons.size() << ": " << std::flush;
+    if (!std::getline(std::cin, line)) break;
     std::size_t index = 0;
     try {
       index = static_cast<std::size_t>(std::stoul(line));
