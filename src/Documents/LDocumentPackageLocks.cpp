@@ -1,4 +1,6 @@
 #include <algorithm>
+#include <chrono>
+#include <thread>
 
 #include "Documents/LDocumentPackage.h"
 #include "Utilities/Log.h"
@@ -70,17 +72,44 @@ Result<void> LDocumentPackage::createLock(LFileLockInfo lock) {
   return {};
 }
 
+namespace {
+
+// Whether `a` was taken before `b`; ties go to the smaller lock id so both sides agree.
+bool takenBefore(const LFileLockInfo& a, const LFileLockInfo& b) {
+  if (a.createdAt != b.createdAt) return a.createdAt < b.createdAt;
+  return a.lockId < b.lockId;
+}
+
+}  // namespace
+
 Result<std::optional<LFileLockInfo>> LDocumentPackage::tryLockAndReturnConflictingLock() {
   const LFileLockInfo current = LFileLockInfo::currentProcess();
-  for (LFileLockInfo& lock : allLocks()) {
-    if (lock.lockId == lockId_) continue;  // our own record from an earlier try
-    if (lock.currentOwner(current) == LockOwner::kStale) {
-      deleteLock(lock);
-      continue;
+  auto oldestConflict = [&]() -> std::optional<LFileLockInfo> {
+    for (LFileLockInfo& lock : allLocks()) {
+      if (lock.lockId == lockId_ || lock.lockId == current.lockId) continue;
+      if (lock.currentOwner(current) == LockOwner::kStale) {
+        deleteLock(lock);
+        continue;
+      }
+      return std::move(lock);
     }
-    return std::optional<LFileLockInfo>(std::move(lock));
-  }
+    return std::nullopt;
+  };
+  if (auto conflict = oldestConflict()) return conflict;
   if (auto created = createLock(current); !created) return created.error();
+  // Two openers can both find the folder empty and both write a record. Looking again after
+  // writing settles it: the newer record gives way at once; the older one gives the newer a
+  // moment to do so and gives way too if it is still there. At worst both give way (and the
+  // user tries again); never do both keep the document.
+  auto conflict = oldestConflict();
+  if (conflict && !takenBefore(*conflict, current)) {
+    std::this_thread::sleep_for(std::chrono::milliseconds(100));
+    conflict = oldestConflict();
+  }
+  if (conflict) {
+    unlock();
+    return conflict;
+  }
   return std::optional<LFileLockInfo>();
 }
 

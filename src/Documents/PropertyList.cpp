@@ -1,5 +1,6 @@
 #include "Documents/PropertyList.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
@@ -82,9 +83,22 @@ void PropertyList::setUnsigned(const char* key, uint64_t value) {
 }
 
 void PropertyList::setDate(const char* key, Date value) {
-  const double seconds = value.timeIntervalSinceReferenceDate();
-  const double whole = std::floor(seconds);
-  const auto micro = static_cast<int32_t>(std::lround((seconds - whole) * 1e6));
+  // Dates are held as 32-bit seconds around 2001 (1933 to 2069); anything beyond is clamped,
+  // which only a damaged record can ask for.
+  double seconds = value.timeIntervalSinceReferenceDate();
+  if (std::isnan(seconds)) seconds = 0;
+  seconds = std::clamp(seconds, double{std::numeric_limits<int32_t>::min()},
+                       double{std::numeric_limits<int32_t>::max()});
+  // libplist reads a date before 2001 back with the sign of its fraction lost, so those keep
+  // whole seconds.
+  double whole = seconds < 0 ? std::round(seconds) : std::floor(seconds);
+  auto micro = seconds < 0 ? 0 : static_cast<int32_t>(std::lround((seconds - whole) * 1e6));
+  if (micro >= 1000000 && whole < double{std::numeric_limits<int32_t>::max()}) {
+    micro -= 1000000;
+    whole += 1;
+  } else if (micro >= 1000000) {
+    micro = 999999;
+  }
   plist_dict_set_item(node_, key, plist_new_date(static_cast<int32_t>(whole), micro));
 }
 
@@ -95,12 +109,12 @@ plist_t PropertyList::item(const char* key) const {
 std::optional<std::string> PropertyList::string(const char* key) const {
   plist_t value = item(key);
   if (!value || plist_get_node_type(value) != PLIST_STRING) return std::nullopt;
-  char* text = nullptr;
-  plist_get_string_val(value, &text);
+  // Not plist_get_string_val: it aborts on a text with an embedded NUL, which a damaged binary
+  // property list can hold.
+  uint64_t length = 0;
+  const char* text = plist_get_string_ptr(value, &length);
   if (!text) return std::nullopt;
-  std::string result(text);
-  std::free(text);
-  return result;
+  return std::string(text, static_cast<std::size_t>(length));
 }
 
 std::optional<int64_t> PropertyList::integer(const char* key) const {

@@ -302,5 +302,26 @@ TEST(DocumentLockingTest, LockOfAKilledProcessIsRemovedSilently) {
   EXPECT_TRUE(LDocumentPackage(document).allLocks().empty());
 }
 
+// Many processes racing for one free document: never more than one gets it, and none leaves a
+// record behind.
+TEST(DocumentLockingTest, RacingOpenersNeverShareTheDocument) {
+  testing::TempFolder home;
+  const std::string document = (home / "Raced.ledgeon").string();
+  ASSERT_EQ(testing::runCli({"package", "create", document}, home.path()).exitStatus, 0);
+  std::vector<std::unique_ptr<testing::BackgroundCli>> racers;
+  for (int i = 0; i < 4; ++i) {
+    racers.push_back(std::make_unique<testing::BackgroundCli>(
+        std::vector<std::string>{"package", "lock", document, "--hold"}, home.path()));
+  }
+  int holders = 0;
+  for (auto& racer : racers) {
+    const std::string line = racer->readLine();
+    if (line.rfind("Locked ", 0) == 0) ++holders;
+  }
+  EXPECT_LE(holders, 1);
+  for (auto& racer : racers) racer->finish();
+  EXPECT_TRUE(LDocumentPackage(document).allLocks().empty());
+}
+
 }  // namespace
 }  // namespace ledgeon

@@ -141,7 +141,10 @@ CliResult runProgram(const std::vector<std::string>& arguments) {
 BackgroundCli::BackgroundCli(const std::vector<std::string>& arguments,
                              const std::filesystem::path& home) {
   std::array<int, 2> in{}, out{};
-  if (pipe(in.data()) != 0 || pipe(out.data()) != 0) throw std::runtime_error("pipe failed");
+  // Close-on-exec, so that a later background program does not keep this one's stdin open.
+  if (pipe2(in.data(), O_CLOEXEC) != 0 || pipe2(out.data(), O_CLOEXEC) != 0) {
+    throw std::runtime_error("pipe failed");
+  }
   posix_spawn_file_actions_t actions;
   posix_spawn_file_actions_init(&actions);
   posix_spawn_file_actions_adddup2(&actions, in[0], 0);
