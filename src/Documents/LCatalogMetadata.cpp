@@ -107,10 +107,7 @@ Result<void> LCatalogMetadata::readFromDictionary(const PropertyList& dictionary
     return Error::make(kLErrorDomain, 1, origin + ": catalog metadata is not a dictionary");
   }
   LCatalogMetadata read;
-  const std::vector<std::string> present = dictionary.keys();
-  auto has = [&](const char* key) {
-    return std::find(present.begin(), present.end(), key) != present.end();
-  };
+  auto has = [&](const char* key) { return dictionary.contains(key); };
   auto text = [&](const char* key, std::string& field) -> bool {
     if (!has(key)) return true;
     auto value = dictionary.string(key);

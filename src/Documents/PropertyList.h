@@ -41,6 +41,9 @@ class PropertyList final {
   std::optional<int64_t> integer(const char* key) const;
   std::optional<uint64_t> unsignedInteger(const char* key) const;
   std::optional<Date> date(const char* key) const;
+  bool contains(const char* key) const { return item(key) != nullptr; }
+  // The keys in order. Only for property lists this program made: libplist aborts on a key
+  // with a NUL inside, which a damaged file can hold.
   std::vector<std::string> keys() const;
 
   std::string xmlData() const;
