@@ -9,6 +9,7 @@
 #include <unicode/locid.h>
 #include <unicode/smpdtfmt.h>
 #include <unicode/timezone.h>
+#include <unicode/uchar.h>
 
 #include "Utilities/Clock.h"
 #include "Utilities/LDateUtilities.h"
@@ -42,6 +43,22 @@ std::optional<std::string> patternProblem(std::string_view pattern) {
   }
   if (quoted) return std::string("unclosed quote");
   return std::nullopt;
+}
+
+// No date text has a run of more digits than this. Longer runs are refused before ICU sees them:
+// its fractional-second reading divides by a power of ten that overflows to zero on runs of 35
+// digits or more, and crashes.
+constexpr int32_t kLongestDigitRun = 24;
+
+bool hasOverlongDigitRun(const icu::UnicodeString& text) {
+  int32_t run = 0;
+  for (int32_t i = 0; i < text.length();) {
+    const UChar32 c = text.char32At(i);
+    run = u_isdigit(c) ? run + 1 : 0;
+    if (run > kLongestDigitRun) return true;
+    i += U16_LENGTH(c);
+  }
+  return false;
 }
 
 }  // namespace
@@ -97,7 +114,7 @@ std::string DateFormatter::stringFromDate(Date date) const {
 
 std::optional<Date> DateFormatter::dateFromString(std::string_view text) const {
   const auto unicode = icu::UnicodeString::fromUTF8(text);
-  if (unicode.isEmpty()) return std::nullopt;
+  if (unicode.isEmpty() || hasOverlongDigitRun(unicode)) return std::nullopt;
   icu::ParsePosition position(0);
   const double millis = format_->parse(unicode, position);
   if (position.getErrorIndex() >= 0 || position.getIndex() != unicode.length()) {

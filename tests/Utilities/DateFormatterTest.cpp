@@ -77,6 +77,11 @@ TEST(DateFormatter, ReadsWholeTextsOnly) {
       {"MM/dd/yyyy", "GMT", "02-29-2024", "none"},
       {"yyyyMMdd", "GMT", "", "none"},
       {"yyyyMMdd", "GMT", "abcdefgh", "none"},
+      // A long run of fraction digits once crashed ICU (division by zero).
+      {"yyyyMMddHHmmss.SSS", "GMT", "20240229233015.3333333333333333333333333333333333333333330",
+       "none"},
+      {"yyyyMMddHHmmss.SSS", "GMT", "20240229233015.٣٣٣٣٣٣٣٣٣٣٣٣٣٣٣٣٣٣٣٣٣٣٣٣٣٣٣٣٣٣٣٣٣٣٣٣٣٣",
+       "none"},
   };
   for (const auto& c : cases) {
     const DateFormatter formatter(c.pattern, "en_US_POSIX", c.zone);
