@@ -106,9 +106,10 @@ void DateFormatter::setLenient(bool lenient) { format_->setLenient(lenient); }
 bool DateFormatter::isLenient() const { return format_->isLenient(); }
 
 std::string DateFormatter::stringFromDate(Date date) const {
-  if (!std::isfinite(date.unixTime())) return {};
+  const double millis = date.unixTime() * 1000.0;
+  if (!std::isfinite(millis) || std::fabs(millis) > -kProlepticCutoverMillis) return {};
   icu::UnicodeString text;
-  format_->format(date.unixTime() * 1000.0, text);
+  format_->format(millis, text);
   return toUTF8(text);
 }
 

@@ -44,7 +44,8 @@ class DateFormatter final {
   void setLenient(bool lenient);
   bool isLenient() const;
 
-  // The text of `date`; empty for a date that is not finite.
+  // The text of `date`; empty for a date that is not finite or beyond ICU's range (about
+  // 5.8 million years either side of 1970).
   std::string stringFromDate(Date date) const;
   // The instant the whole text names in the formatter's zone (fields the pattern lacks take
   // their 1970-01-01 00:00:00 values); std::nullopt when the text does not match or has

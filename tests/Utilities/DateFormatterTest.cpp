@@ -44,6 +44,9 @@ TEST(DateFormatter, FormatsWithPatternsLocalesAndZones) {
   }
   const DateFormatter formatter("yyyyMMdd");
   EXPECT_EQ(formatter.stringFromDate(Date(std::numeric_limits<double>::quiet_NaN())), "");
+  EXPECT_EQ(formatter.stringFromDate(Date(1e300)), "");
+  EXPECT_EQ(formatter.stringFromDate(Date(-1e300)), "");
+  EXPECT_NE(formatter.stringFromDate(Date(1e14)), "");
   EXPECT_EQ(formatter.localeIdentifier(), "en_US_POSIX");
   EXPECT_EQ(formatter.timeZoneIdentifier(), "GMT");
 }
