@@ -25,7 +25,8 @@ TEST(CalcCli, PrintsTheTapeAndTheResult) {
   } cases[] = {
       {{"calc", "19.99 * 3 + 4.50 ="}, "", "64.47"},
       {{"calc", "200 + 10 %"}, "", "220.00"},
-      {{"calc", "10 / 4"}, "", "2.50"},  // totals at the end without "="
+      {{"calc", "10 / 4"}, "", "2.50"},     // totals at the end without "="
+      {{"calc", "-5 + 3 ="}, "", "-2.00"},  // a leading minus is a key, not an option
       {{"calc"}, "19.99 * 3\n+ 4.50\n", "64.47"},
       {{"calc", "--locale", "de_DE", "1.000 * 3 + 4,5 ="}, "", "3.004,50"},
       {{"calc", "--auto-decimal", "1999 + 1 ="}, "", "20.00"},
