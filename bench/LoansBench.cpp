@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <optional>
 #include <random>
+#include <tuple>
 #include <utility>
 #include <vector>
 
@@ -114,8 +115,13 @@ std::optional<double> plainIrr(const PlainStream& s) {
   }
   if (!found) return std::nullopt;
   double r0 = ratePositive, v0 = valuePositive, r1 = rateNegative, v1 = valueNegative;
-  if (std::fabs(v0) < std::fabs(v1)) std::swap(r0, r1), std::swap(v0, v1);
-  for (int step = 0; step < 100 && std::fabs(v1) > 0.01; ++step) {
+  if (std::fabs(v0) < std::fabs(v1)) {
+    std::swap(r0, r1);
+    std::swap(v0, v1);
+  }
+  if (std::fabs(v1) <= 0.01) return r1;
+  for (int step = 0; step < 100; ++step) {
+    if (!(std::fabs(r1 - r0) > 0) || !(std::fabs(v1 - v0) > 0)) break;
     double rate = r1 - v1 * (r1 - r0) / (v1 - v0);
     auto v = s.value(rate);
     if (!v) return std::nullopt;
@@ -127,34 +133,41 @@ std::optional<double> plainIrr(const PlainStream& s) {
       rate = (ratePositive + rateNegative) / 2;
       v = s.value(rate);
       if (!v) return std::nullopt;
+      if (*v < 0 ? *v > valueNegative : *v < valuePositive) {
+        (*v < 0 ? rateNegative : ratePositive) = rate;
+        (*v < 0 ? valueNegative : valuePositive) = *v;
+      }
     }
-    const bool settled = std::fabs(rate - r1) < 0.0005;
-    r0 = r1, v0 = v1, r1 = rate, v1 = *v;
+    const bool settled = std::fabs(rate - r1) < 0.0005 || std::fabs(*v) <= 0.01;
+    r0 = r1;
+    v0 = v1;
+    r1 = rate;
+    v1 = *v;
     if (settled) break;
   }
   return std::fabs(v1) <= 0.01 ? std::optional<double>(r1) : std::nullopt;
 }
 
+// The floor: durations known in advance, the search on doubles only.
 void BM_IrrFloor(benchmark::State& state) {
   const auto& data = streams();
   const auto& dates = flowDates();
   const Date end = dates.back();
+  const auto years = [&](Date date) {
+    return static_cast<double>(LDateUtilities::numberOfDaysFromDate(date, end) + 1) / 365.0;
+  };
+  std::vector<PlainStream> plain(data.size());
+  for (size_t k = 0; k < data.size(); ++k) {
+    plain[k].terms.emplace_back(-data[k].startingValue, years(startDate()) + 1.0 / 365.0);
+    plain[k].terms.emplace_back(data[k].endingValue, 1.0 / 365.0);
+    for (int m = 0; m < kMonths; ++m) {
+      plain[k].terms.emplace_back(data[k].flows[static_cast<size_t>(m)],
+                                  years(dates[static_cast<size_t>(m)]));
+    }
+  }
   for (auto _ : state) {
     int answered = 0;
-    for (const auto& stream : data) {
-      PlainStream plain;
-      plain.terms.reserve(kMonths + 2);
-      const auto years = [&](Date date) {
-        return static_cast<double>(LDateUtilities::numberOfDaysFromDate(date, end) + 1) / 365.0;
-      };
-      plain.terms.emplace_back(-stream.startingValue, years(startDate()) + 1.0 / 365.0);
-      plain.terms.emplace_back(stream.endingValue, 1.0 / 365.0);
-      for (int m = 0; m < kMonths; ++m) {
-        plain.terms.emplace_back(stream.flows[static_cast<size_t>(m)],
-                                 years(dates[static_cast<size_t>(m)]));
-      }
-      answered += plainIrr(plain).has_value() ? 1 : 0;
-    }
+    for (const auto& stream : plain) answered += plainIrr(stream).has_value() ? 1 : 0;
     benchmark::DoNotOptimize(answered);
   }
   state.SetItemsProcessed(state.iterations() * kStreams);

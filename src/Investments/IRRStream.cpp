@@ -25,6 +25,7 @@ constexpr double kScanCoarseStep = 0.5;
 constexpr double kScanFineStep = 0.1;
 constexpr double kScanEnd = -1.0;
 constexpr double kNoBracket = -1.0;
+constexpr double kSecondsPerDay = 86400.0;
 
 bool isNonNegative(double value) noexcept { return !(value < 0); }
 
@@ -66,8 +67,17 @@ void IRRStream::mergeIrrStream(const IRRStream& other, bool includeBeginAndEnd) 
   termsReady_ = false;
 }
 
+// Whole days between the GMT days of the two dates, as LDateUtilities counts them, without an
+// ICU calendar per flow: a portfolio's streams hold thousands of flows.
+long IRRStream::daysToEnd(Date date) const {
+  if (!std::isfinite(date.unixTime()) || !std::isfinite(endingDate_.unixTime())) return 0;
+  const double days = std::floor(endingDate_.unixTime() / kSecondsPerDay) -
+                      std::floor(date.unixTime() / kSecondsPerDay);
+  return static_cast<long>(days);
+}
+
 double IRRStream::durationForDate(Date date) const {
-  const long days = LDateUtilities::numberOfDaysFromDate(date, endingDate_);
+  const long days = daysToEnd(date);
   return static_cast<double>(days + 1) / 365.0;
 }
 

@@ -64,6 +64,7 @@ class IRRStream final {
     double duration;
   };
 
+  long daysToEnd(Date date) const;
   const std::vector<Term>& terms() const;
   std::optional<double> valueAt(double rate) const;
   bool bracketFromFixedRates();

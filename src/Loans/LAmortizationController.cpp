@@ -2,8 +2,8 @@
 
 #include <cmath>
 
+#include "Loans/internal/PaymentCalendar.h"
 #include "Utilities/LArithmetic.h"
-#include "Utilities/LDateUtilities.h"
 
 namespace ledgeon {
 
@@ -185,7 +185,7 @@ bool LAmortizationController::mustCalculateRatePerPeriod() {
 Amount LAmortizationController::ratePerDayPeriod(Date paymentDate, Date previousDate) const {
   auto rate = LArithmetic::decimalWithDecimal(interestRateAsPercentage());
   rate.divideByDecimal(fromUnsigned(kDaysPerYear));
-  const long days = LDateUtilities::numberOfDaysFromDate(previousDate, paymentDate);
+  const long days = loans::daysBetween(previousDate, paymentDate);
   rate.multiplyByDecimal(Amount::fromInt64(days));
   return rate.decimalNumber();
 }

@@ -1,4 +1,5 @@
 #include "Loans/LAmortizationController.h"
+#include "Loans/internal/PaymentCalendar.h"
 #include "Utilities/LDateUtilities.h"
 
 namespace ledgeon {
@@ -46,12 +47,10 @@ long daysPerPayment(unsigned paymentType) {
 // Twice a month on a fixed pair of days: a day in the first half is followed by the same month's
 // day 15 later, a day in the second half by the next month's day 15 earlier.
 std::optional<Date> halfMonthAfter(Date date) {
-  if (LDateUtilities::dayOfMonthForDate(date) <= kHalfMonthDays) {
-    return LDateUtilities::dateByAddingDays(date, kHalfMonthDays);
-  }
-  auto firstHalf = LDateUtilities::dateByAddingDays(date, -kHalfMonthDays);
+  if (loans::dayOfMonth(date) <= kHalfMonthDays) return loans::addDays(date, kHalfMonthDays);
+  auto firstHalf = loans::addDays(date, -kHalfMonthDays);
   if (!firstHalf) return std::nullopt;
-  return LDateUtilities::dateByAddingMonths(*firstHalf, 1);
+  return loans::addMonths(*firstHalf, 1);
 }
 
 long floorDivide(long a, long b) { return a / b - ((a % b != 0) && ((a < 0) != (b < 0)) ? 1 : 0); }
@@ -60,18 +59,18 @@ long floorDivide(long a, long b) { return a / b - ((a % b != 0) && ((a < 0) != (
 
 std::optional<Date> LAmortizationController::paymentDateAtIndex(Date anchor, long index,
                                                                 unsigned paymentType) {
-  auto day = LDateUtilities::dateWithTimestamp(anchor, LDateUtilities::dateTimeZone());
+  auto day = loans::calendarDate(loans::dayOf(anchor));
   if (!day) return std::nullopt;
   if (paymentType == kSemiMonthlyType) {
     const long months = floorDivide(index, 2);
-    auto date = LDateUtilities::dateByAddingMonths(*day, months);
+    auto date = loans::addMonths(*day, months);
     if (!date || index - 2 * months == 0) return date;
     return halfMonthAfter(*date);
   }
   if (const long months = monthsPerPayment(paymentType); months != 0) {
-    return LDateUtilities::dateByAddingMonths(*day, months * index);
+    return loans::addMonths(*day, months * index);
   }
-  return LDateUtilities::dateByAddingDays(*day, daysPerPayment(paymentType) * index);
+  return loans::addDays(*day, daysPerPayment(paymentType) * index);
 }
 
 std::optional<Date> LAmortizationController::nextPaymentAfterDate(Date date,
@@ -101,7 +100,7 @@ std::optional<Date> LAmortizationController::nextPaymentDateOnOrAfterTodayFromSe
   for (long index = 0; index <= kMaxStepsToToday; ++index) {
     auto date = paymentDateAtIndex(seedDate, index, paymentPeriod_);
     if (!date) return std::nullopt;
-    if (LDateUtilities::numberOfDaysFromDate(today, *date) >= 0) return date;
+    if (loans::daysBetween(today, *date) >= 0) return date;
   }
   return std::nullopt;
 }

@@ -1,6 +1,7 @@
 #include <algorithm>
 
 #include "Loans/LAmortizationController.h"
+#include "Loans/internal/PaymentCalendar.h"
 #include "Utilities/LArithmetic.h"
 #include "Utilities/LDateUtilities.h"
 
@@ -40,7 +41,7 @@ Amount addOnShare(const Amount& totalInterest, unsigned payments, unsigned payme
   return difference(totalInterest, rest.decimalNumber());
 }
 
-bool onOrAfter(Date date, Date day) { return LDateUtilities::numberOfDaysFromDate(day, date) >= 0; }
+bool onOrAfter(Date date, Date day) { return loans::daysBetween(day, date) >= 0; }
 
 }  // namespace
 
@@ -61,6 +62,7 @@ void LAmortizationController::buildSchedule(const Plan& plan, const ScheduleStar
   auto totalInterest = LArithmetic::zero();
   auto totalPrincipal = LArithmetic::zero();
   Amount carried;
+  if (createFullSchedule_) results.amortizationSchedule.reserve(start.paymentsAllowed);
 
   for (unsigned index = 0; index < start.paymentsAllowed && balance.isGreaterThanZero(); ++index) {
     LAmortizationEntry entry;
