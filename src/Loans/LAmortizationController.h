@@ -121,6 +121,7 @@ class LAmortizationController final {
   Amount paymentForPlan(const Plan& plan, const Amount& openingBalance) const;
   Amount addOnInterest(const Amount& openingBalance) const;
   Amount ratePerDayPeriod(Date paymentDate, Date previousDate) const;
+  // Fills the schedule, totals and dates of fresh `results`.
   void buildSchedule(const Plan& plan, const ScheduleStart& start,
                      LAmortizationResults& results) const;
   void computeScheduled();

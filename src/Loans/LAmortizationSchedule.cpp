@@ -43,71 +43,78 @@ Amount addOnShare(const Amount& totalInterest, unsigned payments, unsigned payme
 
 bool onOrAfter(Date date, Date day) { return loans::daysBetween(day, date) >= 0; }
 
+// What runs from one payment to the next.
+struct ScheduleData {
+  LArithmetic balance;
+  Amount carried;        // interest due but not yet paid
+  bool settles = false;  // the term's last payment
+};
+
+// One payment: `payment` goes first to `amount`, the interest due for the period with what was
+// carried, then to principal together with `extraPrincipal`. The last payment pays what is left
+// and no more; the term's last payment settles the loan, whatever rounding left over.
+LAmortizationEntry tableEntryForData(ScheduleData& data, const Amount& payment,
+                                     const Amount& amount, const Amount& extraPrincipal) {
+  LAmortizationEntry entry;
+  const Amount due = sum(amount, data.carried);
+  if (payment.isLessThan(due)) {
+    entry.interest = payment;
+    data.carried = difference(due, payment);
+  } else {
+    entry.interest = due;
+    data.carried = Amount::zero();
+    entry.principal = difference(payment, due);
+  }
+  if (extraPrincipal.isPositive()) {
+    entry.extraPrincipal = extraPrincipal;
+    entry.principal = sum(entry.principal, extraPrincipal);
+  }
+  if (data.settles) {
+    entry.principal = data.balance.decimalNumber();
+    entry.interest = sum(entry.interest, data.carried);
+    data.carried = Amount::zero();
+  } else if (!data.balance.isGreaterThanDecimal(entry.principal)) {
+    entry.principal = data.balance.decimalNumber();
+  }
+  entry.payment = sum(entry.principal, entry.interest);
+  data.balance.subtractDecimal(entry.principal);
+  entry.balance = data.balance.decimalNumber();
+  entry.interestCarried = data.carried;
+  return entry;
+}
+
 }  // namespace
 
 void LAmortizationController::buildSchedule(const Plan& plan, const ScheduleStart& start,
                                             LAmortizationResults& results) const {
-  results.amortizationSchedule.clear();
-  results.numberOfPaymentsRemaining = 0;
-  results.totalInterest = results.totalPrincipal = results.totalCost = Amount::zero();
-  results.lastPaymentData.reset();
-  results.nextPaymentData.reset();
-  results.payoffDate.reset();
-
   const bool addOn = compoundingPeriod_ == kNoCompounding;
   const Amount addOnTotal = addOn ? addOnInterest(openingBalance_) : Amount::zero();
   const Date today = LDateUtilities::currentDate();
   auto previousDate = previousPaymentBeforeDate(start.firstDate, plan.paymentType);
-  auto balance = LArithmetic::decimalWithDecimal(start.balance);
+  ScheduleData data{LArithmetic::decimalWithDecimal(start.balance), Amount::zero(), false};
   auto totalInterest = LArithmetic::zero();
   auto totalPrincipal = LArithmetic::zero();
-  Amount carried;
+  const Amount payment = sum(start.payment, start.extraPayment);
   if (createFullSchedule_) results.amortizationSchedule.reserve(start.paymentsAllowed);
 
-  for (unsigned index = 0; index < start.paymentsAllowed && balance.isGreaterThanZero(); ++index) {
-    LAmortizationEntry entry;
-    entry.paymentNumber = start.firstNumber + index;
+  for (unsigned index = 0; index < start.paymentsAllowed && data.balance.isGreaterThanZero();
+       ++index) {
     const auto date = paymentDateAtIndex(start.firstDate, index, plan.paymentType);
     if (!date || !previousDate) break;
-    entry.paymentDate = *date;
-
-    Amount due;
+    const unsigned number = start.firstNumber + index;
+    Amount interest;
     if (addOn) {
-      due = addOnShare(addOnTotal, plan.numberOfPayments, entry.paymentNumber);
+      interest = addOnShare(addOnTotal, plan.numberOfPayments, number);
     } else if (plan.mustCalculateRatePerPeriod) {
-      due = interestOn(balance.decimalNumber(), ratePerDayPeriod(*date, *previousDate));
+      interest = interestOn(data.balance.decimalNumber(), ratePerDayPeriod(*date, *previousDate));
     } else {
-      due = interestOn(balance.decimalNumber(), plan.ratePerPeriod);
+      interest = interestOn(data.balance.decimalNumber(), plan.ratePerPeriod);
     }
-    due = sum(due, carried);
-
-    Amount payment = sum(start.payment, start.extraPayment);
-    if (payment.isLessThan(due)) {
-      entry.interest = payment;
-      carried = difference(due, payment);
-      entry.principal = Amount::zero();
-    } else {
-      entry.interest = due;
-      carried = Amount::zero();
-      entry.principal = difference(payment, due);
-    }
-    if (index == 0 && start.extraPrincipal.isPositive()) {
-      entry.extraPrincipal = start.extraPrincipal;
-      entry.principal = sum(entry.principal, start.extraPrincipal);
-    }
-    // The last payment pays what is left and no more; the term's last payment settles the loan,
-    // whatever rounding left over.
-    if (index + 1 == start.paymentsAllowed) {
-      entry.principal = balance.decimalNumber();
-      entry.interest = sum(entry.interest, carried);
-      carried = Amount::zero();
-    } else if (!balance.isGreaterThanDecimal(entry.principal)) {
-      entry.principal = balance.decimalNumber();
-    }
-    entry.payment = sum(entry.principal, entry.interest);
-    balance.subtractDecimal(entry.principal);
-    entry.balance = balance.decimalNumber();
-    entry.interestCarried = carried;
+    data.settles = index + 1 == start.paymentsAllowed;
+    LAmortizationEntry entry =
+        tableEntryForData(data, payment, interest, index == 0 ? start.extraPrincipal : Amount());
+    entry.paymentNumber = number;
+    entry.paymentDate = *date;
 
     totalInterest.addDecimal(entry.interest);
     totalPrincipal.addDecimal(entry.principal);
