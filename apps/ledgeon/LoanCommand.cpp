@@ -67,6 +67,11 @@ void configure(LAmortizationController& loan, const LoanOptions& options) {
                                ? defaultFirstPayment()
                                : parseDateArgument("--first-payment", options.firstPayment));
 
+  if (loan.scheduledResults().basePIPayment.isNaN()) {
+    throw CommandFailure("--rate " + options.rate + " and --balance " + options.balance +
+                         " give a payment too large to compute");
+  }
+
   LAmortizationWhatIf whatIf;
   whatIf.extraPayment = nonNegativeAmount("--extra-payment", options.extraPayment);
   whatIf.extraPrincipal = nonNegativeAmount("--extra-principal", options.extraPrincipal);
@@ -74,9 +79,21 @@ void configure(LAmortizationController& loan, const LoanOptions& options) {
   if (whatIf.extraPrincipal.isPositive()) whatIf.flags |= LAmortizationWhatIf::kExtraPrincipal;
   loan.setWhatIf(whatIf);
 
-  if (loan.scheduledResults().numberOfPaymentsForTerms == 0) {
-    throw CommandFailure("--term " + options.term + " " + options.termUnit +
-                         " gives no payments at this frequency");
+  const Amount years = loan.numYearsInLoanForTerm(term, loan.durationType());
+  if (LAmortizationController::numPaymentsForYears(years, options.paymentType) == 0) {
+    const Amount payments =
+        Amount::multiply(years,
+                         Amount::fromUInt64(LAmortizationController::paymentsPerYearForPaymentType(
+                             options.paymentType)),
+                         RoundingMode::Plain)
+            .value;
+    const bool tooLong =
+        payments.isGreaterThan(Amount::fromUInt64(LAmortizationController::kMaxNumberOfPayments));
+    throw CommandFailure(
+        "--term " + options.term + " " + options.termUnit +
+        (tooLong ? " is too long: more than " +
+                       std::to_string(LAmortizationController::kMaxNumberOfPayments) + " payments"
+                 : " gives no payments at this frequency"));
   }
 }
 

@@ -208,7 +208,10 @@ unsigned LAmortizationController::numPaymentsForYears(const Amount& years, unsig
   auto payments = LArithmetic::decimalWithDecimal(years);
   payments.multiplyByDecimal(fromUnsigned(paymentsPerYearForPaymentType(paymentType)));
   payments.roundWithScale(0);
-  if (payments.isNaN() || !payments.isGreaterThanZero()) return 0;
+  if (payments.isNaN() || !payments.isGreaterThanZero() ||
+      payments.isGreaterThanDecimal(fromUnsigned(kMaxNumberOfPayments))) {
+    return 0;
+  }
   return static_cast<unsigned>(payments.decimalNumber().unsignedIntValue());
 }
 

@@ -24,6 +24,9 @@ class LAmortizationController final {
   static constexpr unsigned kNoCompounding = 0;
   static constexpr unsigned kDefaultCompoundingPeriod = 2;
 
+  // The longest schedule made: a weekly loan over a thousand years.
+  static constexpr unsigned kMaxNumberOfPayments = 52 * 1000;
+
   static unsigned paymentsPerYearForPaymentType(unsigned paymentType) noexcept;
   static unsigned compoundingPeriodsPerYear(unsigned compoundingType) noexcept;
 
@@ -66,6 +69,7 @@ class LAmortizationController final {
   // The rate for the period ending on `paymentDate`.
   Amount interestRateForPaymentDate(Date paymentDate, Date previousDate);
   Amount numYearsInLoanForTerm(const Amount& term, LoanDurationType durationType) const;
+  // Whole payments; 0 for a term beyond kMaxNumberOfPayments, which gets no schedule.
   static unsigned numPaymentsForYears(const Amount& years, unsigned paymentType);
   // Fills numberOfPaymentsForTerms, basePIPayment and totalPayment of `results`.
   void calculatePaymentForOpeningBalance(const Amount& openingBalance,

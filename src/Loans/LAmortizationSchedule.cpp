@@ -87,6 +87,8 @@ LAmortizationEntry tableEntryForData(ScheduleData& data, const Amount& payment,
 
 void LAmortizationController::buildSchedule(const Plan& plan, const ScheduleStart& start,
                                             LAmortizationResults& results) const {
+  // A payment beyond 38 digits cannot amortise anything: no schedule.
+  if (start.payment.isNaN()) return;
   const bool addOn = compoundingPeriod_ == kNoCompounding;
   const Amount addOnTotal = addOn ? addOnInterest(openingBalance_) : Amount::zero();
   const Date today = LDateUtilities::currentDate();

@@ -180,6 +180,22 @@ TEST(LAmortizationControllerTest, LastPaymentIsTheSmallestWhenThePaymentIsRounde
   }
 }
 
+TEST(LAmortizationControllerTest, TermsAndRatesBeyondReachGetNoSchedule) {
+  EXPECT_EQ(LAmortizationController::numPaymentsForYears(amount("1000"), 9), 52000u);
+  EXPECT_EQ(LAmortizationController::numPaymentsForYears(amount("1000.01"), 9), 0u);
+  EXPECT_EQ(LAmortizationController::numPaymentsForYears(amount("1e30"), 5), 0u);
+  EXPECT_EQ(LAmortizationController::numPaymentsForYears(amount("0.04"), 5), 0u);
+  LAmortizationController loan;
+  configure(loan, {"1000", "5", "1e9"}, day(2025, 1, 1));
+  EXPECT_TRUE(loan.scheduledResults().amortizationSchedule.empty());
+  EXPECT_FALSE(loan.scheduledResults().payoffDate.has_value());
+
+  // A rate so large that the payment leaves 38 digits: no schedule either.
+  configure(loan, {"100000", "1e30", "30"}, day(2025, 1, 1));
+  EXPECT_TRUE(loan.scheduledResults().basePIPayment.isNaN());
+  EXPECT_TRUE(loan.scheduledResults().amortizationSchedule.empty());
+}
+
 TEST(LAmortizationControllerTest, ZeroInterestDividesTheBalance) {
   LAmortizationController loan;
   configure(loan, {"12000", "0", "1"}, day(2025, 1, 1));
