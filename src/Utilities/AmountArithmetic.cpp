@@ -184,6 +184,12 @@ Calculation Amount::power(const Amount& a, unsigned exponent, RoundingMode mode)
   }
   if (fits) return K::finish(exact, clampExponent(resultExponent), negative, mode, false);
   // Too wide to hold exactly: square and multiply, rounding each step with the caller's mode.
+  // The steps work on the magnitude, so a negative result rounds its magnitude the other way.
+  if (negative && mode == RoundingMode::Down) {
+    mode = RoundingMode::Up;
+  } else if (negative && mode == RoundingMode::Up) {
+    mode = RoundingMode::Down;
+  }
   Amount base = a.abs();
   Amount result = one();
   CalculationError error = CalculationError::NoError;

@@ -151,6 +151,17 @@ TEST(AmountTest, ReportsCalculationErrors) {
   }
 }
 
+TEST(AmountTest, PowersTooWideToHoldExactlyStillRoundInTheirModesDirection) {
+  // -3^201 needs 402 bits, so it is rounded step by step; directed modes must still bracket it
+  // (the bounds are the correctly rounded values toward each infinity).
+  const Calculation down = Amount::power(A("-3"), 201, RoundingMode::Down);
+  const Calculation up = Amount::power(A("-3"), 201, RoundingMode::Up);
+  EXPECT_EQ(down.error, CalculationError::LossOfPrecision);
+  EXPECT_LE(down.value, A("-7.9684196662762430801634396610733888049e95"));
+  EXPECT_GE(up.value, A("-7.9684196662762430801634396610733888048e95"));
+  EXPECT_LT(down.value, up.value);
+}
+
 TEST(AmountTest, RoundsToScaleInEveryMode) {
   struct Case {
     std::string_view value;
