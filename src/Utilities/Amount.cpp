@@ -138,16 +138,6 @@ ComparisonResult Amount::compareGeneral(const Amount& other) const noexcept {
                       : ComparisonResult::Same;
 }
 
-bool Amount::isEqualTo(const Amount& other) const noexcept {
-  return compare(other) == ComparisonResult::Same;
-}
-bool Amount::isGreaterThan(const Amount& other) const noexcept {
-  return compare(other) == ComparisonResult::Descending;
-}
-bool Amount::isLessThan(const Amount& other) const noexcept {
-  return compare(other) == ComparisonResult::Ascending;
-}
-
 std::strong_ordering operator<=>(const Amount& a, const Amount& b) noexcept {
   const auto result = a.compare(b);
   return result == ComparisonResult::Ascending    ? std::strong_ordering::less
