@@ -141,11 +141,11 @@ class Amount final {
   static constexpr UInt128 kMantissaLimit =
       UInt128{10000000000000000000ULL} * UInt128{10000000000000000000ULL};  // 10^38
 
-  // The general cases of the inline operations below.
-  static Calculation addGeneral(const Amount& a, const Amount& b, RoundingMode mode,
-                                bool negateB) noexcept;
-  static Calculation multiplyGeneral(const Amount& a, const Amount& b, RoundingMode mode) noexcept;
-  ComparisonResult compareGeneral(const Amount& other) const noexcept;
+  // The general cases of the inline operations below. They take their operands by value, so an
+  // operand of an inline call never has its address taken and can stay in registers.
+  static Calculation addGeneral(Amount a, Amount b, RoundingMode mode, bool negateB) noexcept;
+  static Calculation multiplyGeneral(Amount a, Amount b, RoundingMode mode) noexcept;
+  static ComparisonResult compareGeneral(Amount a, Amount b) noexcept;
 
   // Whether two values are numbers with the same exponent: amounts in one currency.
   [[gnu::always_inline]] static bool sameScale(const Amount& a, const Amount& b) noexcept {
@@ -236,7 +236,7 @@ inline ComparisonResult Amount::compare(const Amount& other) const noexcept {
     const int sign = negative_ ? -1 : 1;
     return static_cast<ComparisonResult>(negative_ == other.negative_ ? sign * magnitude : sign);
   }
-  return compareGeneral(other);
+  return compareGeneral(*this, other);
 }
 
 inline bool Amount::isEqualTo(const Amount& other) const noexcept {

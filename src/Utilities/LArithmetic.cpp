@@ -69,7 +69,7 @@ std::string LArithmetic::errorName(CalculationError error) {
 }
 
 void LArithmetic::logCalculationError(CalculationError error, std::string_view operation,
-                                      const Amount& left, const Amount& right) noexcept {
+                                      Amount left, Amount right) noexcept {
   try {
     LLog(kErrorLog, errorName(error), operation, left.stringValue(), right.stringValue());
   } catch (...) {  // out of memory while logging: the calculation itself has been done

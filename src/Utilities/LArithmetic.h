@@ -160,8 +160,9 @@ class LArithmetic final {
   // The sums that do not fit the inline path: other exponents, wide mantissas, NaN. Static and
   // by value, so the accumulator itself never leaves registers on the inline path.
   static Amount addGeneral(Amount left, Amount right, bool subtract) noexcept;
+  // By value, like every out-of-line path here, so the accumulator's address is never taken.
   [[gnu::cold]] static void logCalculationError(CalculationError error, std::string_view operation,
-                                                const Amount& left, const Amount& right) noexcept;
+                                                Amount left, Amount right) noexcept;
 
   Amount value_;
 };
