@@ -163,12 +163,11 @@ class Amount final {
   // relative sizes of money amounts are as good as random.
   [[gnu::always_inline]] static Amount sumNarrow(const Amount& a, const Amount& b,
                                                  bool negateB) noexcept {
-    const auto aFlip = -static_cast<int64_t>(a.negative_);
-    const auto bFlip = -static_cast<int64_t>(b.negative_ != negateB);
-    const int64_t total = ((static_cast<int64_t>(a.mantissa_) ^ aFlip) - aFlip) +
-                          ((static_cast<int64_t>(b.mantissa_) ^ bFlip) - bFlip);
-    const int64_t totalFlip = total >> 63;
-    const auto magnitude = static_cast<uint64_t>((total ^ totalFlip) - totalFlip);
+    // Selects, which compile to conditional moves: two steps from a running total to the next.
+    const auto ma = static_cast<int64_t>(a.mantissa_);
+    const auto mb = static_cast<int64_t>(b.mantissa_);
+    const int64_t total = (a.negative_ ? -ma : ma) + (b.negative_ != negateB ? -mb : mb);
+    const auto magnitude = static_cast<uint64_t>(total < 0 ? -total : total);
     return Amount(magnitude, magnitude != 0 ? a.exponent_ : int8_t{0}, total < 0, false);
   }
   // A result computed out of line, copied field by field. Callers of the inline operations then
