@@ -238,14 +238,24 @@ inline ComparisonResult Amount::compare(const Amount& other) const noexcept {
   return compareGeneral(*this, other);
 }
 
+// The two-way tests answer in a few instructions for amounts of one currency. Zero is never
+// negative, so when the signs differ the left sign alone decides.
 inline bool Amount::isEqualTo(const Amount& other) const noexcept {
-  return compare(other) == ComparisonResult::Same;
+  if (sameScale(*this, other)) [[likely]] {
+    return mantissa_ == other.mantissa_ && negative_ == other.negative_;
+  }
+  return compareGeneral(*this, other) == ComparisonResult::Same;
 }
 inline bool Amount::isGreaterThan(const Amount& other) const noexcept {
-  return compare(other) == ComparisonResult::Descending;
+  return other.isLessThan(*this);
 }
 inline bool Amount::isLessThan(const Amount& other) const noexcept {
-  return compare(other) == ComparisonResult::Ascending;
+  if (sameScale(*this, other)) [[likely]] {
+    const bool below = mantissa_ < other.mantissa_;
+    const bool above = other.mantissa_ < mantissa_;
+    return negative_ == other.negative_ ? (negative_ ? above : below) : negative_;
+  }
+  return compareGeneral(*this, other) == ComparisonResult::Ascending;
 }
 
 }  // namespace ledgeon

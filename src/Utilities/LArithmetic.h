@@ -168,19 +168,19 @@ class LArithmetic final {
 };
 
 inline bool LArithmetic::isLessThanDecimal(const Amount& d) const noexcept {
-  return value_.compare(d) == ComparisonResult::Ascending;
+  return value_.isLessThan(d);
 }
 inline bool LArithmetic::isLessThanOrEqualToDecimal(const Amount& d) const noexcept {
-  return value_.compare(d) != ComparisonResult::Descending;
+  return !value_.isGreaterThan(d);
 }
 inline bool LArithmetic::isEqualToDecimal(const Amount& d) const noexcept {
-  return value_.compare(d) == ComparisonResult::Same;
+  return value_.isEqualTo(d);
 }
 inline bool LArithmetic::isGreaterThanDecimal(const Amount& d) const noexcept {
-  return value_.compare(d) == ComparisonResult::Descending;
+  return value_.isGreaterThan(d);
 }
 inline bool LArithmetic::isGreaterThanOrEqualToDecimal(const Amount& d) const noexcept {
-  return value_.compare(d) != ComparisonResult::Ascending;
+  return !value_.isLessThan(d);
 }
 
 }  // namespace ledgeon
