@@ -163,10 +163,14 @@ class Amount final {
   // relative sizes of money amounts are as good as random.
   [[gnu::always_inline]] static Amount sumNarrow(const Amount& a, const Amount& b,
                                                  bool negateB) noexcept {
-    // Selects, which compile to conditional moves: two steps from a running total to the next.
+    // The left operand is usually a running total, whose sign seldom changes: a select, which the
+    // compiler may turn into a predicted branch that keeps the sign off the chain from one sum to
+    // the next. The right operand's sign is as good as random: applied arithmetically. The
+    // magnitude of the total is a select again, a conditional move.
     const auto ma = static_cast<int64_t>(a.mantissa_);
-    const auto mb = static_cast<int64_t>(b.mantissa_);
-    const int64_t total = (a.negative_ ? -ma : ma) + (b.negative_ != negateB ? -mb : mb);
+    const auto bSign = static_cast<int64_t>(b.negative_ != negateB);
+    const int64_t total =
+        (a.negative_ ? -ma : ma) + ((static_cast<int64_t>(b.mantissa_) ^ -bSign) + bSign);
     const auto magnitude = static_cast<uint64_t>(total < 0 ? -total : total);
     return Amount(magnitude, magnitude != 0 ? a.exponent_ : int8_t{0}, total < 0, false);
   }
