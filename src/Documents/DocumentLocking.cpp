@@ -5,9 +5,10 @@
 #include <utility>
 
 #include <unicode/datefmt.h>
-#include <unicode/smpdtfmt.h>
 #include <unicode/unistr.h>
 
+#include "Documents/internal/LocalTime.h"
+#include "Utilities/DateFormatter.h"
 #include "Utilities/Log.h"
 #include "Utilities/StringWithFormat.h"
 
@@ -50,14 +51,13 @@ struct LockTimeTexts {
 
 LockTimeTexts lockTimeTexts(Date when) {
   const icu::Locale locale = icu::Locale::getDefault();
-  UErrorCode status = U_ZERO_ERROR;
   std::unique_ptr<icu::DateFormat> time(
       icu::DateFormat::createTimeInstance(icu::DateFormat::kShort, locale));
   std::unique_ptr<icu::DateFormat> date(
       icu::DateFormat::createDateInstance(icu::DateFormat::kLong, locale));
-  icu::SimpleDateFormat weekday(icu::UnicodeString("EEEE"), locale, status);
-  return {formatDate(time.get(), when), U_SUCCESS(status) ? formatDate(&weekday, when) : "",
-          formatDate(date.get(), when)};
+  const DateFormatter weekday("EEEE", documents_internal::localLocaleIdentifier(),
+                              documents_internal::localTimeZoneIdentifier());
+  return {formatDate(time.get(), when), weekday.stringFromDate(when), formatDate(date.get(), when)};
 }
 
 }  // namespace

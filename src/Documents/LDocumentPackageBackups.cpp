@@ -4,13 +4,14 @@
 #include <memory>
 
 #include <sys/stat.h>
-#include <unicode/smpdtfmt.h>
 #include <unistd.h>
 #include <zip.h>
 
 #include "Documents/LDocumentPackage.h"
+#include "Documents/internal/LocalTime.h"
 #include "Platform/ApplicationPaths.h"
 #include "Utilities/Clock.h"
+#include "Utilities/DateFormatter.h"
 #include "Utilities/Log.h"
 
 namespace ledgeon {
@@ -53,14 +54,9 @@ Result<ZipPointer> openForReading(const fs::path& path) {
 }
 
 std::string today() {
-  UErrorCode status = U_ZERO_ERROR;
-  icu::SimpleDateFormat format(icu::UnicodeString("yyyy-MM-dd"), icu::Locale("en_US_POSIX"),
-                               status);
-  icu::UnicodeString text;
-  if (U_SUCCESS(status)) format.format(Clock::now().unixTime() * 1000.0, text);
-  std::string result;
-  text.toUTF8String(result);
-  return result;
+  const DateFormatter format("yyyy-MM-dd", "en_US_POSIX",
+                             documents_internal::localTimeZoneIdentifier());
+  return format.stringFromDate(Clock::now());
 }
 
 // `directory`/`base`.ledgeonbackup, or with " (n)" after the base when that is taken.
