@@ -52,7 +52,7 @@ KeyRule bidKey(int connectionType) {
               return evaluator.environmentSatisfiesBIDString(value.get_ref<const std::string&>(),
                                                              connectionType);
             }
-            if (value.is_number()) {
+            if (criteria::isNumber(value)) {
               return evaluator.environmentSatisfiesBIDString(std::to_string(integerValue(value)),
                                                              connectionType);
             }
@@ -74,7 +74,7 @@ KeyRule flagKey(bool Environment::*field) {
   return {false,
           [field](CriteriaEvaluator& evaluator, const CriteriaJSON& value, CriteriaOperatorType,
                   const CriteriaJSON&) -> std::optional<bool> {
-            if (!value.is_number()) return std::nullopt;
+            if (!criteria::isNumber(value)) return std::nullopt;
             return evaluator.environment().*field == criteria::truth(value);
           }};
 }
@@ -160,7 +160,7 @@ const std::unordered_map<std::string_view, KeyRule>& keyRules() {
       {"days_since_first_launch",
        {true,
         [](CriteriaEvaluator& evaluator, const J& value, Op op, const J&) -> std::optional<bool> {
-          if (!value.is_number()) return std::nullopt;
+          if (!criteria::isNumber(value)) return std::nullopt;
           return CriteriaEvaluator::comparisonResult(
               criteria::compare(evaluator.environment().daysSinceFirstLaunch, integerValue(value)),
               op);
@@ -178,14 +178,14 @@ const std::unordered_map<std::string_view, KeyRule>& keyRules() {
        {true,
         [](CriteriaEvaluator& evaluator, const J& value, Op op,
            const J& dictionary) -> std::optional<bool> {
-          if (!value.is_number()) return std::nullopt;
+          if (!criteria::isNumber(value)) return std::nullopt;
           return evaluator.environmentSatisfiesBucket(integerValue(value), op, dictionary);
         }}},
       {"crash_count",
        {true,
         [](CriteriaEvaluator& evaluator, const J& value, Op op,
            const J& dictionary) -> std::optional<bool> {
-          if (!value.is_number()) return std::nullopt;
+          if (!criteria::isNumber(value)) return std::nullopt;
           return evaluator.environmentSatisfiesCrashCount(integerValue(value), op, dictionary);
         }}},
       {"primary_product_line", equalsKey(&E::primaryProductLine)},

@@ -12,6 +12,7 @@ namespace ledgeon::criteria {
 enum class ValueKind { List, Dictionary, String, Number };
 
 std::optional<ValueKind> kindOf(const CriteriaJSON& value);
+inline bool isNumber(const CriteriaJSON& value) { return kindOf(value) == ValueKind::Number; }
 
 // A number's integer value: fractions are cut off, values beyond 64 bits are clamped, true is 1.
 int64_t integerValue(const CriteriaJSON& number);
