@@ -171,17 +171,24 @@ std::string RecurrenceRule::description() const {
   std::string text;
   switch (f.recurrenceType) {
     case static_cast<int32_t>(RecurrenceType::Weekly):
-      text = fmt::format("weekly every {} on {}", f.recurrenceInterval,
-                         joined(f.daysOfTheWeek, ",", [](int64_t day) {
-                           return std::string(recurrence::weekdayCode(day).value_or("?"));
-                         }));
+      text = fmt::format("weekly every {}", f.recurrenceInterval);
+      // Without weekdays the series repeats on the start date's weekday.
+      if (!f.daysOfTheWeek.empty()) {
+        text += " on " + joined(f.daysOfTheWeek, ",", [](int64_t day) {
+                  return std::string(recurrence::weekdayCode(day).value_or("?"));
+                });
+      }
       break;
-    case static_cast<int32_t>(RecurrenceType::Monthly):
-      text = fmt::format("monthly every {} on days {} and {}", f.recurrenceInterval,
-                         numbersJoined(f.daysOfTheMonth, ", "),
-                         joined(f.nthWeekDaysOfTheMonth, ", ",
-                                [](const NthWeekDay& day) { return day.description(); }));
+    case static_cast<int32_t>(RecurrenceType::Monthly): {
+      text = fmt::format("monthly every {}", f.recurrenceInterval);
+      if (!f.daysOfTheMonth.empty()) text += " on days " + numbersJoined(f.daysOfTheMonth, ", ");
+      if (!f.nthWeekDaysOfTheMonth.empty()) {
+        text += (f.daysOfTheMonth.empty() ? " on " : " and ") +
+                joined(f.nthWeekDaysOfTheMonth, ", ",
+                       [](const NthWeekDay& day) { return day.description(); });
+      }
       break;
+    }
     case static_cast<int32_t>(RecurrenceType::Yearly):
     case static_cast<int32_t>(RecurrenceType::USTax):
       text = fmt::format(
