@@ -1,5 +1,6 @@
 // Reading iCalendar recurrence strings back into the structured rule the scheduling editors show.
 #include <algorithm>
+#include <tuple>
 
 #include "DateRecurrence/DateRecurrenceStrings.h"
 #include "DateRecurrence/RecurrenceRule.h"
@@ -93,6 +94,9 @@ std::optional<RecurrenceRule> readWeekly(const ParsedStrings& parsed, std::optio
       appendUnique<int64_t>(days, icalrecurrencetype_day_day_of_week(code));
     }
   }
+  // libical sorts the items of each pattern; sorting across patterns too gives one order however
+  // the days were spread over the strings, so that reading what a rule wrote gives that rule.
+  std::sort(days.begin(), days.end());
   return RecurrenceRule::initWeeklyRecurrenceWithInterval(static_cast<int16_t>(parsed.interval),
                                                           std::move(days), parsed.recurrenceEnd);
 }
@@ -116,6 +120,9 @@ std::optional<RecurrenceRule> readMonthly(const ParsedStrings& parsed, std::opti
                                         icalrecurrencetype_day_position(code)});
     }
   }
+  std::sort(weekDays.begin(), weekDays.end(), [](const NthWeekDay& a, const NthWeekDay& b) {
+    return std::tie(a.dayOfTheWeek, a.weekNumber) < std::tie(b.dayOfTheWeek, b.weekNumber);
+  });
   return RecurrenceRule::initMonthlyRecurrenceWithInterval(
       static_cast<int16_t>(parsed.interval), days, std::move(weekDays), parsed.recurrenceEnd);
 }

@@ -162,6 +162,13 @@ TEST(RecurrenceRuleTest, ReadingPicksUpBackupDayAndTaxPattern) {
        thursday,
        "weekly every 1 on MO,FR, never"},
       {{"FREQ=WEEKLY"}, std::nullopt, "weekly every 1, never"},
+      // Days spread over patterns come out in weekday order, as libical keeps one pattern's.
+      {{"FREQ=WEEKLY;BYDAY=SA", "FREQ=WEEKLY", "FREQ=WEEKLY;BYDAY=SU,MO"},
+       thursday,
+       "weekly every 1 on SU,MO,TH,SA, never"},
+      {{"FREQ=MONTHLY;BYDAY=-1FR", "FREQ=MONTHLY;BYDAY=2FR,1MO"},
+       std::nullopt,
+       "monthly every 1 on 1MO, -1FR, 2FR, never"},
       {{"FREQ=MONTHLY"}, thursday, "monthly every 1 on days 29, never"},
       {{"FREQ=MONTHLY;BYMONTHDAY=15,-1;BYDAY=1SU"},
        std::nullopt,
