@@ -229,11 +229,11 @@ bool CriteriaEvaluator::environmentSatisfiesCrashCount(int64_t crashCount,
       }
     }
   }
-  if (const auto version = options.find("crash_count_version");
-      version != options.end() && version->is_string()) {
-    const std::string wanted =
-        *version == "current" ? environment_.version : version->get<std::string>();
-    std::erase_if(crashes, [&](const CrashRecord& crash) { return crash.version != wanted; });
+  if (const auto version = options.find("crash_count_version"); version != options.end()) {
+    if (const auto* text = version->get_ptr<const std::string*>()) {
+      const std::string& wanted = *text == "current" ? environment_.version : *text;
+      std::erase_if(crashes, [&](const CrashRecord& crash) { return crash.version != wanted; });
+    }
   }
   return comparisonResult(criteria::compare(static_cast<int64_t>(crashes.size()), crashCount),
                           operatorType);
