@@ -166,8 +166,8 @@ LObject* DataBase::objectWithPrimaryKey(const EntityDescription& entity, int64_t
 }
 
 void DataBase::fillFromRow(LObject& object, const sql::Statement& row) {
-  Table& table = tableFor(object.entity());
-  const auto& slots = table.slotsByEntity[static_cast<size_t>(object.entity().id)];
+  Table& table = tableFor(object.storedEntity());
+  const auto& slots = table.slotsByEntity[static_cast<size_t>(object.storedEntity().id)];
   const auto& columns = table.layout->columns;
   for (size_t i = 0; i < columns.size(); ++i) {
     const int column = static_cast<int>(i) + 2;
@@ -218,7 +218,7 @@ LObject& DataBase::createEntity(std::string_view entityName, const EditDict& dat
 }
 
 void DataBase::fulfillFault(LObject& object) {
-  Table& table = tableFor(object.entity());
+  Table& table = tableFor(object.storedEntity());
   if (!table.selectByPrimaryKey.valid()) {
     table.selectByPrimaryKey =
         connection_->prepare("SELECT " + table.layout->selectColumns + " FROM " +

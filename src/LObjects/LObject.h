@@ -28,9 +28,14 @@ class LObject {
   // How the store sees this object; only the store changes it.
   enum class StoreState : uint8_t { Clean, Inserted, Updated, Deleted };
 
-  // A fault reports the class its relationship declared until it is fulfilled.
-  const EntityDescription& entity() const { return *entity_; }
-  const std::string& className() const { return entity_->name; }
+  // The concrete entity; a fault of a class with subclasses is fulfilled to learn it.
+  const EntityDescription& entity() const {
+    if (fault_ && !entity_->subentities.empty()) const_cast<LObject*>(this)->fulfill();
+    return *entity_;
+  }
+  // The entity as known without loading: for a fault, the class its relationship declared.
+  const EntityDescription& storedEntity() const { return *entity_; }
+  const std::string& className() const { return entity().name; }
   int64_t primaryKey() const { return primaryKey_; }
   LObjectContext* context() const { return context_; }
   bool isFault() const { return fault_; }

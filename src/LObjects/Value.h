@@ -82,7 +82,9 @@ class Value final {
   Value(ledgeon::Bytes value) : data_(std::move(value)) {}      // NOLINT: implicit
   Value(PropertyList value)                                     // NOLINT: implicit
       : data_(std::make_shared<const PropertyList>(std::move(value))) {}
-  Value(LObject* object) : data_(object) {}  // NOLINT: implicit; null gives a null value
+  Value(LObject* object) {  // NOLINT: implicit; a null pointer gives a null value
+    if (object) data_ = object;
+  }
   Value(ObjectSet objects)
       : data_(std::make_shared<const ObjectSet>(std::move(objects))) {}  // NOLINT
   Value(ValueList values)
