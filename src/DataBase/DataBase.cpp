@@ -128,6 +128,14 @@ size_t DataBase::registeredObjectCount() const {
   return count;
 }
 
+std::map<std::string, std::string> DataBase::storeMetadata() {
+  std::map<std::string, std::string> metadata;
+  sql::Statement select =
+      connection_->prepare(std::string("SELECT key, value FROM ") + schema::kMetadataTable);
+  while (select.step()) metadata.emplace(select.text(0), select.text(1));
+  return metadata;
+}
+
 void DataBase::loadPrimaryKeyCounters() {
   for (auto& table : tables_) {
     sql::Statement max =
