@@ -136,6 +136,21 @@ std::map<std::string, std::string> DataBase::storeMetadata() {
   return metadata;
 }
 
+std::map<std::string, DataBase::ObjectCount> DataBase::storedObjectCounts() {
+  std::map<std::string, ObjectCount> counts;
+  for (const auto& table : tables_) {
+    sql::Statement select = connection_->prepare(
+        "SELECT Z_ENT, COUNT(*), SUM(IFNULL(\"deletionCount\", 0) != 0) FROM " +
+        table->layout->table + " GROUP BY Z_ENT");
+    while (select.step()) {
+      const EntityDescription& entity = Model::shared().entity(static_cast<int>(select.integer(0)));
+      counts[entity.name] = {static_cast<size_t>(select.integer(1)),
+                             static_cast<size_t>(select.integer(2))};
+    }
+  }
+  return counts;
+}
+
 void DataBase::loadPrimaryKeyCounters() {
   for (auto& table : tables_) {
     sql::Statement max =

@@ -48,6 +48,12 @@ class DataBase final : public LObjectContext {
   const std::set<std::string>& modifiedEntityTypes() const { return modifiedEntityTypes_; }
   // The stored model version name and entity version hashes.
   std::map<std::string, std::string> storeMetadata();
+  // Committed objects of each concrete entity that has any, soft-deleted ones among them.
+  struct ObjectCount {
+    size_t total = 0;
+    size_t deleted = 0;
+  };
+  std::map<std::string, ObjectCount> storedObjectCounts();
 
   // Entities.
   LObject& createEntityType(std::string_view entityName);  // a new object with its identifiers
