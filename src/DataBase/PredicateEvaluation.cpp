@@ -1,4 +1,6 @@
 // Validation, in-memory evaluation and printing of predicates.
+#include <fmt/format.h>
+
 #include "DataBase/Predicate.h"
 #include "DataBase/internal/StringMatch.h"
 #include "LObjects/LObject.h"
@@ -159,9 +161,9 @@ std::string nodeText(const Node& node) {
     case Node::Type::False:
       return "FALSEPREDICATE";
     case Node::Type::And:
-      return "(" + nodeText(node.children[0]) + " AND " + nodeText(node.children[1]) + ")";
+      return fmt::format("({} AND {})", nodeText(node.children[0]), nodeText(node.children[1]));
     case Node::Type::Or:
-      return "(" + nodeText(node.children[0]) + " OR " + nodeText(node.children[1]) + ")";
+      return fmt::format("({} OR {})", nodeText(node.children[0]), nodeText(node.children[1]));
     case Node::Type::Not:
       return "NOT " + nodeText(node.children[0]);
     case Node::Type::Comparison:

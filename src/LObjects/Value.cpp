@@ -136,7 +136,7 @@ std::string Value::description() const {
     case Kind::Date:
       return std::get<ledgeon::Date>(data_).description();
     case Kind::Binary:
-      return "<" + std::to_string(asBytes().size()) + " bytes>";
+      return stringWithFormat("<%lu bytes>", asBytes().size());
     case Kind::Dictionary: {
       std::string text = "{";
       for (const auto& [key, value] : asDictionary()) text += key + " = " + value + "; ";

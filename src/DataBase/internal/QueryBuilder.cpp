@@ -1,5 +1,7 @@
 #include "DataBase/internal/QueryBuilder.h"
 
+#include <fmt/format.h>
+
 #include "DataBase/internal/SQLite.h"
 #include "DataBase/internal/Schema.h"
 #include "DataBase/internal/StringMatch.h"
@@ -142,9 +144,9 @@ std::string QueryBuilder::condition(const Node& node) {
     case Node::Type::False:
       return "0";
     case Node::Type::And:
-      return "(" + condition(node.children[0]) + " AND " + condition(node.children[1]) + ")";
+      return fmt::format("({} AND {})", condition(node.children[0]), condition(node.children[1]));
     case Node::Type::Or:
-      return "(" + condition(node.children[0]) + " OR " + condition(node.children[1]) + ")";
+      return fmt::format("({} OR {})", condition(node.children[0]), condition(node.children[1]));
     case Node::Type::Not:
       return "(NOT " + condition(node.children[0]) + ")";
     case Node::Type::Comparison:
