@@ -17,7 +17,8 @@ void appendPlain(const ImportLogNode& node, size_t depth, std::string& out) {
 nlohmann::json toJson(const ImportLogNode& node) {
   nlohmann::json children = nlohmann::json::array();
   for (const ImportLogNode& child : node.children) children.push_back(toJson(child));
-  return {{"severity", static_cast<int>(node.severity)}, {"text", node.text},
+  return {{"severity", static_cast<int>(node.severity)},
+          {"text", node.text},
           {"children", std::move(children)}};
 }
 

@@ -16,8 +16,8 @@ constexpr const char* kConvertedDataFolderName = "Converted Data";
 constexpr const char* kConvertedDataLogFileName = "logfile.txt";
 
 Error fileError(const std::filesystem::path& path, const std::string& what) {
-  Error error = Error::make(kCocoaErrorDomain, 512,
-                            "The file \"" + path.filename().string() + "\" " + what);
+  Error error =
+      Error::make(kCocoaErrorDomain, 512, "The file \"" + path.filename().string() + "\" " + what);
   error.userInfo[kFilePathErrorKey] = path.string();
   return error;
 }
@@ -68,8 +68,7 @@ Result<void> ImportUtilities::writeLog(const ImportLog& log, const std::filesyst
 
 Result<std::filesystem::path> ImportUtilities::writeLIFImportLogs(
     const ImportLog& log, const std::filesystem::path& importedFile,
-    const std::filesystem::path& packageFolder, const std::filesystem::path& logsFolder,
-    Date now) {
+    const std::filesystem::path& packageFolder, const std::filesystem::path& logsFolder, Date now) {
   auto converted = nextFreeConvertedDataFolder(packageFolder);
   if (!converted) return converted.error();
   if (auto written = writeLog(log, *converted / kConvertedDataLogFileName); !written) {

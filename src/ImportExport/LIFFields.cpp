@@ -34,18 +34,35 @@ std::string_view trimmed(std::string_view text) {
   return text;
 }
 
+// Writers pad days and months with spaces ("1/ 2/03") where the strict date parser wants two
+// digits: spaces go, and a one-digit month or day gets its leading zero.
+std::string normalisedDate(std::string_view text) {
+  std::string digits = withoutCharacters(text, " \t");
+  const size_t firstSlash = digits.find('/');
+  if (firstSlash == 1) digits.insert(0, "0");
+  const size_t first = digits.find('/');
+  const size_t second = first == std::string::npos ? first : digits.find('/', first + 1);
+  if (second != std::string::npos && second == first + 2) digits.insert(first + 1, "0");
+  return digits;
+}
+
 // The action table: prefix tests in this order, first match wins.
 constexpr std::array<std::pair<std::string_view, int>, 29> kActions = {{
-    {"Buy to Close", 5},       {"CvrShrt", 5},          {"Buy", 3},
-    {"Sell to Open", 21},      {"ShtSell", 21},         {"Sell", 19},
-    {"ShrsIn", 2},             {"ShrsOut", 17},         {"Div", 10},
-    {"ReinvDiv", 15},          {"Cash", 1},             {"MiscInc", 12},
-    {"XIn", 1},                {"XOut", 1},             {"ReinvInt", 16},
-    {"ReinvSh", 14},           {"ReinvLg", 13},         {"Split", 23},
-    {"StkSplit", 23},          {"Cap. Gains Long", 8},  {"CGLong", 8},
-    {"Cap. Gains Short", 9},   {"CGShort", 9},          {"Cap. Distribution", 18},
-    {"RtrnCap", 18},           {"Interest Income", 11}, {"IntInc", 11},
-    {"MargInt", 6},            {"MiscExp", 7},
+    {"Buy to Close", 5}, {"CvrShrt", 5},
+    {"Buy", 3},          {"Sell to Open", 21},
+    {"ShtSell", 21},     {"Sell", 19},
+    {"ShrsIn", 2},       {"ShrsOut", 17},
+    {"Div", 10},         {"ReinvDiv", 15},
+    {"Cash", 1},         {"MiscInc", 12},
+    {"XIn", 1},          {"XOut", 1},
+    {"ReinvInt", 16},    {"ReinvSh", 14},
+    {"ReinvLg", 13},     {"Split", 23},
+    {"StkSplit", 23},    {"Cap. Gains Long", 8},
+    {"CGLong", 8},       {"Cap. Gains Short", 9},
+    {"CGShort", 9},      {"Cap. Distribution", 18},
+    {"RtrnCap", 18},     {"Interest Income", 11},
+    {"IntInc", 11},      {"MargInt", 6},
+    {"MiscExp", 7},
 }};
 
 }  // namespace
@@ -64,11 +81,11 @@ Amount LIFFields::balance(std::string_view text) {
 
 std::optional<Date> LIFFields::transactionDate(std::string_view text) {
   static const DateFormatter formatter("MM/dd/yy", "en_US_POSIX", "GMT");
-  std::string slashed(trimmed(text));
+  std::string slashed(text);
   for (char& c : slashed) {
     if (c == '\'') c = '/';
   }
-  return formatter.calendarDateFromString(slashed);
+  return formatter.calendarDateFromString(normalisedDate(slashed));
 }
 
 std::optional<Date> LIFFields::priceDate(std::string_view text) {
@@ -76,7 +93,7 @@ std::optional<Date> LIFFields::priceDate(std::string_view text) {
   std::string cleaned = withoutCharacters(text, "\"");
   cleaned = replacingAll(std::move(cleaned), "'", "/20");
   cleaned = replacingAll(std::move(cleaned), "20 ", "200");
-  return formatter.calendarDateFromString(trimmed(cleaned));
+  return formatter.calendarDateFromString(normalisedDate(cleaned));
 }
 
 int LIFFields::reconcileStatus(std::string_view text) {

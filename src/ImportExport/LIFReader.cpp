@@ -26,7 +26,7 @@ Result<std::vector<LIFRecord>> LIFReader::readFile(const std::filesystem::path& 
   }
   if (text->empty()) {
     Error error = Error::make(kCocoaErrorDomain, 256,
-                             "The file \"" + path.filename().string() + "\" is empty.");
+                              "The file \"" + path.filename().string() + "\" is empty.");
     error.userInfo[kFilePathErrorKey] = path.string();
     return error;
   }
@@ -49,9 +49,8 @@ std::vector<LIFRecord> LIFReader::readText(std::string_view text) {
   securityPrePass();
   mainPass();
   if (problems_ > kMaximumReportedProblems) {
-    log_.add(ImportLogSeverity::kWarning,
-             stringWithFormat("%lu further problems were not listed",
-                              problems_ - kMaximumReportedProblems));
+    log_.add(ImportLogSeverity::kWarning, stringWithFormat("%lu further problems were not listed",
+                                                           problems_ - kMaximumReportedProblems));
   }
   return std::move(records_);
 }
@@ -60,8 +59,9 @@ std::vector<LIFRecord> LIFReader::readText(std::string_view text) {
 // find them; only headers written exactly so are taken out of the line list.
 void LIFReader::securityPrePass() {
   while (true) {
-    const auto header = std::find_if(lines_.begin(), lines_.end(),
-                                     [](const Line& line) { return line.text == "!Type:Security"; });
+    const auto header = std::find_if(lines_.begin(), lines_.end(), [](const Line& line) {
+      return line.text == "!Type:Security";
+    });
     if (header == lines_.end()) return;
     const auto start = static_cast<size_t>(header - lines_.begin());
     const size_t next = std::min(importSecurity(start), lines_.size());
@@ -141,7 +141,9 @@ size_t LIFReader::importAccountInformation(size_t index) {
     open = true;
     const std::string_view field = value(line.text);
     switch (line.text.front()) {
-      case 'N': record.name = std::string(field); break;
+      case 'N':
+        record.name = std::string(field);
+        break;
       case 'T': {
         const auto type = LIFFields::accountType(field);
         if (!type) {
@@ -155,8 +157,12 @@ size_t LIFReader::importAccountInformation(size_t index) {
         record.accountType = *type;
         break;
       }
-      case 'D': record.description = std::string(field); break;
-      case 'L': record.creditLimit = amountAt(line, field); break;
+      case 'D':
+        record.description = std::string(field);
+        break;
+      case 'L':
+        record.creditLimit = amountAt(line, field);
+        break;
       case '$':
       case 'B': {
         const Amount balance = LIFFields::balance(field);
@@ -164,8 +170,11 @@ size_t LIFReader::importAccountInformation(size_t index) {
         record.statementBalance = balance;
         break;
       }
-      case '^': finish(); break;
-      default: break;
+      case '^':
+        finish();
+        break;
+      default:
+        break;
     }
   }
   if (open) {
@@ -197,16 +206,28 @@ size_t LIFReader::importCatList(size_t index) {
     open = true;
     const std::string_view field = value(line.text);
     switch (line.text.front()) {
-      case 'N': category.name = std::string(field); break;
-      case 'D': category.description = std::string(field); break;
-      case 'I': category.type = 2; break;
-      case 'E': break;
+      case 'N':
+        category.name = std::string(field);
+        break;
+      case 'D':
+        category.description = std::string(field);
+        break;
+      case 'I':
+        category.type = 2;
+        break;
+      case 'E':
+        break;
       case 'T':
         if (!category.taxRefUS) category.taxRefUS = 9999;
         break;
-      case 'R': category.taxRefUS = lif::integerValue(field); break;
-      case '^': finish(); break;
-      default: break;
+      case 'R':
+        category.taxRefUS = lif::integerValue(field);
+        break;
+      case '^':
+        finish();
+        break;
+      default:
+        break;
     }
   }
   if (open) finish();
@@ -257,11 +278,20 @@ size_t LIFReader::importSecurity(size_t index) {
     open = true;
     const std::string_view field = value(line.text);
     switch (line.text.front()) {
-      case 'N': security.name = std::string(field); break;
-      case 'S': security.ticker = std::string(field); break;
-      case 'T': security.type = LIFFields::securityType(field); break;
-      case '^': finish(); break;
-      default: break;
+      case 'N':
+        security.name = std::string(field);
+        break;
+      case 'S':
+        security.ticker = std::string(field);
+        break;
+      case 'T':
+        security.type = LIFFields::securityType(field);
+        break;
+      case '^':
+        finish();
+        break;
+      default:
+        break;
     }
   }
   if (open) finish();
@@ -275,8 +305,7 @@ size_t LIFReader::importPrices(size_t index) {
     if (lif::isBlank(line.text) || startsWith(line.text, "^")) continue;
     const std::vector<std::string_view> parts = lif::split(line.text, ',');
     if (parts.size() != 3) {
-      logAtLine(ImportLogSeverity::kDetail, "Price line without exactly three parts ignored",
-                line);
+      logAtLine(ImportLogSeverity::kDetail, "Price line without exactly three parts ignored", line);
       continue;
     }
     LIFPrice price;
@@ -331,10 +360,10 @@ std::optional<Date> LIFReader::dateAt(const Line& line, std::string_view text) {
 
 void LIFReader::problem(const Line& line, const std::string& what) {
   if (++problems_ > kMaximumReportedProblems) return;
-  log_.add(ImportLogSeverity::kWarning,
-           line.text.empty()
-               ? stringWithFormat("Line %lu: %@", line.number, what)
-               : stringWithFormat("Line %lu: %@: %@", line.number, what, lif::shortened(line.text)));
+  log_.add(ImportLogSeverity::kWarning, line.text.empty()
+                                            ? stringWithFormat("Line %lu: %@", line.number, what)
+                                            : stringWithFormat("Line %lu: %@: %@", line.number,
+                                                               what, lif::shortened(line.text)));
 }
 
 void LIFReader::logAtLine(ImportLogSeverity severity, const std::string& text, const Line& line) {

@@ -19,9 +19,13 @@ constexpr const char* kCheckSplitRatioMemo = "CHECK SPLIT RATIO - MAY BE INCORRE
 
 // Codes writers put in bank records that the import has no use for: amount repeated ("U"),
 // address lines ("A"), split percentages ("%"), reimbursable flag ("F").
-bool isIgnoredBankCode(char code) { return code == 'U' || code == 'A' || code == '%' || code == 'F'; }
+bool isIgnoredBankCode(char code) {
+  return code == 'U' || code == 'A' || code == '%' || code == 'F';
+}
 // Investment codes only the investment reader uses, met when it hands a cash record over.
-bool isInvestmentCode(char code) { return code == 'Y' || code == 'I' || code == 'Q' || code == 'O'; }
+bool isInvestmentCode(char code) {
+  return code == 'Y' || code == 'I' || code == 'Q' || code == 'O';
+}
 bool isIgnoredInvestmentCode(char code) { return code == 'U' || code == 'P' || code == 'A'; }
 
 }  // namespace
@@ -85,21 +89,29 @@ void LIFReader::readBankField(BankState& state, const Line& line, bool investmen
   const std::string_view field = value(line.text);
   const char code = line.text.front();
   switch (code) {
-    case 'D': record.date = dateAt(line, field); break;
+    case 'D':
+      record.date = dateAt(line, field);
+      break;
     case 'T': {
       const Amount amount = amountAt(line, field);
       record.amount = invertSign ? amount.decimalNumberByNegating() : amount;
       break;
     }
-    case 'C': record.reconcileStatus = LIFFields::reconcileStatus(field); break;
-    case 'N':
-      record.checkNumber = investmentCashTxn && (startsWith(field, "XIn") ||
-                                                 startsWith(field, "XOut"))
-                               ? std::string()
-                               : std::string(field);
+    case 'C':
+      record.reconcileStatus = LIFFields::reconcileStatus(field);
       break;
-    case 'P': record.payee = std::string(field); break;
-    case 'M': record.memo = std::string(field); break;
+    case 'N':
+      record.checkNumber =
+          investmentCashTxn && (startsWith(field, "XIn") || startsWith(field, "XOut"))
+              ? std::string()
+              : std::string(field);
+      break;
+    case 'P':
+      record.payee = std::string(field);
+      break;
+    case 'M':
+      record.memo = std::string(field);
+      break;
     case 'L': {
       auto parts = LIFFields::categoryParts(field);
       record.tag = std::move(parts.tag);
@@ -132,7 +144,9 @@ void LIFReader::readBankField(BankState& state, const Line& line, bool investmen
       }
       break;
     }
-    case 'E': state.splitMemo = std::string(field); break;
+    case 'E':
+      state.splitMemo = std::string(field);
+      break;
     case '$': {
       const Amount amount = amountAt(line, field);
       if (investmentCashTxn) {
@@ -166,9 +180,8 @@ void LIFReader::finishBankRecord(BankState& state) {
   }
   record.account = currentAccount_;
   if (record.splits.empty()) {
-    record.splits.push_back({record.line,
-                             record.isTransfer() ? kTransferCategory : record.category, record.tag,
-                             record.memo, record.amount, record.transferAccount});
+    record.splits.push_back({record.line, record.isTransfer() ? kTransferCategory : record.category,
+                             record.tag, record.memo, record.amount, record.transferAccount});
   }
   if (state.create) records_.emplace_back(std::move(record));
 }
@@ -212,7 +225,9 @@ void LIFReader::readInvestmentField(InvestmentState& state, const Line& line) {
   const std::string_view field = value(line.text);
   const char code = line.text.front();
   switch (code) {
-    case 'D': record.date = dateAt(line, field); break;
+    case 'D':
+      record.date = dateAt(line, field);
+      break;
     case 'N':
       record.action = std::string(field);
       record.type = LIFFields::investmentType(field);
@@ -221,15 +236,33 @@ void LIFReader::readInvestmentField(InvestmentState& state, const Line& line) {
                   stringWithFormat("Transaction type %@ not handled", field), line);
       }
       break;
-    case 'Y': record.security = std::string(field); break;
-    case 'I': record.price = amountAt(line, field); break;
-    case 'Q': record.quantity = amountAt(line, field); break;
-    case 'T': record.amount = amountAt(line, field); break;
-    case 'C': record.reconcileStatus = LIFFields::reconcileStatus(field); break;
-    case 'M': record.memo = std::string(field); break;
-    case 'O': record.commission = amountAt(line, field); break;
-    case 'L': record.transferText = std::string(field); break;
-    case '$': record.transferAmount = amountAt(line, field); break;
+    case 'Y':
+      record.security = std::string(field);
+      break;
+    case 'I':
+      record.price = amountAt(line, field);
+      break;
+    case 'Q':
+      record.quantity = amountAt(line, field);
+      break;
+    case 'T':
+      record.amount = amountAt(line, field);
+      break;
+    case 'C':
+      record.reconcileStatus = LIFFields::reconcileStatus(field);
+      break;
+    case 'M':
+      record.memo = std::string(field);
+      break;
+    case 'O':
+      record.commission = amountAt(line, field);
+      break;
+    case 'L':
+      record.transferText = std::string(field);
+      break;
+    case '$':
+      record.transferAmount = amountAt(line, field);
+      break;
     default:
       if (!isIgnoredInvestmentCode(code)) problem(line, "unknown field code");
       break;
@@ -258,10 +291,22 @@ void LIFReader::finishInvestmentRecord(InvestmentState& state, size_t& splits) {
   }
   if (record.amount.isZero() && record.transferText.empty()) {
     switch (record.type) {
-      case 3: case 4: record.type = 2; break;
-      case 19: case 20: record.type = 17; break;
-      case 8: case 9: case 10: case 11: record.type += 5; break;
-      default: break;
+      case 3:
+      case 4:
+        record.type = 2;
+        break;
+      case 19:
+      case 20:
+        record.type = 17;
+        break;
+      case 8:
+      case 9:
+      case 10:
+      case 11:
+        record.type += 5;
+        break;
+      default:
+        break;
     }
   }
   const int type = record.type;
@@ -271,7 +316,7 @@ void LIFReader::finishInvestmentRecord(InvestmentState& state, size_t& splits) {
   }
   if (type == 23) {
     record.splitForm = startsWith(record.action, "StkSplit") ? LIFStockSplitForm::kNewSharesPerTen
-                                                              : LIFStockSplitForm::kAddedShares;
+                                                             : LIFStockSplitForm::kAddedShares;
     if (record.memo.empty()) record.memo = kCheckSplitRatioMemo;
     ++splits;
   }

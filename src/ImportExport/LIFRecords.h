@@ -40,8 +40,8 @@ struct LIFAccountList {
 // One line of a bank-style transaction ("S"/"E"/"$" group, or the transaction's own category).
 struct LIFSplit {
   size_t line = 0;
-  std::string category;         // "" for a transfer split; raw text (brackets kept) otherwise
-  std::string tag;              // second "/"-piece of the category text
+  std::string category;  // "" for a transfer split; raw text (brackets kept) otherwise
+  std::string tag;       // second "/"-piece of the category text
   std::string memo;
   Amount amount = Amount::zero();
   std::string transferAccount;  // other account's name when this line is a transfer, else ""
@@ -78,7 +78,7 @@ struct LIFCategory {
   size_t line = 0;
   std::string name;
   std::string description;
-  int type = 1;                  // 1 expense, 2 income
+  int type = 1;                     // 1 expense, 2 income
   std::optional<int64_t> taxRefUS;  // "R" number, or 9999 for a bare "T"
 };
 
@@ -124,14 +124,14 @@ struct LIFInvestmentTransaction {
   Amount costBasis = Amount::zero();  // price x quantity + commission
   int reconcileStatus = 0;
   std::string memo;
-  std::string transferText;                // "L" as written
-  std::optional<Amount> transferAmount;    // "$"
-  std::string transferAccount;             // set when the record moves "$" to/from that account
-  std::optional<int> userStatusOverride;   // 100 for splits and "CGLong"/"CGShort"
+  std::string transferText;               // "L" as written
+  std::optional<Amount> transferAmount;   // "$"
+  std::string transferAccount;            // set when the record moves "$" to/from that account
+  std::optional<int> userStatusOverride;  // 100 for splits and "CGLong"/"CGShort"
   LIFStockSplitForm splitForm = LIFStockSplitForm::kNone;
 };
 
-using LIFRecord = std::variant<LIFAccountList, LIFBankTransaction, LIFCategory, LIFTag,
-                               LIFSecurity, LIFPrice, LIFInvestmentTransaction>;
+using LIFRecord = std::variant<LIFAccountList, LIFBankTransaction, LIFCategory, LIFTag, LIFSecurity,
+                               LIFPrice, LIFInvestmentTransaction>;
 
 }  // namespace ledgeon

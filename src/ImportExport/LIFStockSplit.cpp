@@ -34,11 +34,10 @@ LIFStockSplit LIFStockSplit::forUnits(const Amount& units, const Amount& quantit
                                       LIFStockSplitForm form) {
   const Amount nan = Amount::notANumber();
   if (units.isNaN() || quantity.isNaN() || units.isZero()) return {nan, nan, nan};
-  const Amount newUnits =
-      form == LIFStockSplitForm::kNewSharesPerTen
-          ? units.decimalNumberByMultiplyingBy(quantity.decimalNumberByDividingBy(
-                Amount::fromInt64(10)))
-          : units.decimalNumberByAdding(quantity);
+  const Amount newUnits = form == LIFStockSplitForm::kNewSharesPerTen
+                              ? units.decimalNumberByMultiplyingBy(
+                                    quantity.decimalNumberByDividingBy(Amount::fromInt64(10)))
+                              : units.decimalNumberByAdding(quantity);
   const Amount gcd = greatestCommonDivisor(newUnits, units);
   if (gcd.isNaN() || gcd.isZero()) return {newUnits, nan, nan};
   return {newUnits, wholePartOf(newUnits.decimalNumberByDividingBy(gcd)),

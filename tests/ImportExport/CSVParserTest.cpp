@@ -49,7 +49,9 @@ TEST(CSVParserTest, SpectrumFilesParseToTheirExpectedRows) {
       // phone number than its CSV holds; the CSV is what is read.)
       ASSERT_EQ(expected.size(), 1u);
       expected = {{{"Contact Phone Number", "2095257564"},
-                   {"Location Coordinates", "37\xEF\xBF\xBD" "36'37.8"}}};
+                   {"Location Coordinates",
+                    "37\xEF\xBF\xBD"
+                    "36'37.8"}}};
     }
     EXPECT_EQ(parse(*text), expected) << name;
     ++files;
@@ -64,9 +66,9 @@ TEST(CSVParserTest, QuotedFieldKeepsSeparatorsLineBreaksAndOneQuotePerPair) {
 }
 
 TEST(CSVParserTest, ExtraFieldsGetPositionalNames) {
-  const std::vector<std::string> nine = {"date",     "description", "originalDescription",
-                                         "amount",   "transactionType", "category",
-                                         "accountName", "labels",  "notes"};
+  const std::vector<std::string> nine = {"date",        "description",     "originalDescription",
+                                         "amount",      "transactionType", "category",
+                                         "accountName", "labels",          "notes"};
   CSVParser parser("1,2,3,4,5,6,7,8,9,10,11\n", ",", false, nine);
   const auto rows = parser.arrayOfParsedRows();
   ASSERT_EQ(rows.size(), 1u);
@@ -74,7 +76,8 @@ TEST(CSVParserTest, ExtraFieldsGetPositionalNames) {
   EXPECT_EQ(rows[0].at("FIELD_11"), "11");
   EXPECT_EQ(rows[0].at("notes"), "9");
   EXPECT_EQ(parser.fieldNames().size(), 11u);
-  EXPECT_EQ(parse("a,b\n", ",", false), (std::vector<CSVRow>{{{"FIELD_1", "a"}, {"FIELD_2", "b"}}}));
+  EXPECT_EQ(parse("a,b\n", ",", false),
+            (std::vector<CSVRow>{{{"FIELD_1", "a"}, {"FIELD_2", "b"}}}));
 }
 
 TEST(CSVParserTest, LineBreaksAndBlankLines) {
@@ -87,7 +90,9 @@ TEST(CSVParserTest, LineBreaksAndBlankLines) {
       {"\n1\n2\n", 0},           // a blank first line ends the file at once
       {"", 0},
       {"1\r2\r3\r", 3},
-      {"1\xE2\x80\xA8" "2", 2},  // Unicode line separator
+      {"1\xE2\x80\xA8"
+       "2",
+       2},  // Unicode line separator
       {"a,b", 1},
       {",", 1},
   };
@@ -111,8 +116,7 @@ TEST(CSVParserTest, MultiCharacterSeparators) {
 TEST(CSVParserTest, MalformedQuotesEndTheFileWithoutLosingEarlierRows) {
   EXPECT_EQ(parse("1,2\n3,\"open\n4,5\n", ",", false),
             (std::vector<CSVRow>{{{"FIELD_1", "1"}, {"FIELD_2", "2"}}, {{"FIELD_1", "3"}}}));
-  EXPECT_EQ(parse("ab\"c\"d,e\n1,2", ",", false),
-            (std::vector<CSVRow>{{{"FIELD_1", "ab"}}}));
+  EXPECT_EQ(parse("ab\"c\"d,e\n1,2", ",", false), (std::vector<CSVRow>{{{"FIELD_1", "ab"}}}));
   EXPECT_EQ(parse("\"a\"b,c", ",", false), (std::vector<CSVRow>{{{"FIELD_1", "a"}}}));
 }
 

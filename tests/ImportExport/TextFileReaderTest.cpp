@@ -20,8 +20,14 @@ TEST(TextFileReaderTest, SplitsAtEveryLineTerminator) {
       {"a\r\n\r\nb", {"a", "", "b"}},
       {"\n", {""}},
       {"", {}},
-      {"a\xE2\x80\xA8" "b\xE2\x80\xA9" "c", {"a", "b", "c"}},
-      {"a\xE2\x80\xAA" "b", {"a\xE2\x80\xAA" "b"}},  // not a terminator
+      {"a\xE2\x80\xA8"
+       "b\xE2\x80\xA9"
+       "c",
+       {"a", "b", "c"}},
+      {"a\xE2\x80\xAA"
+       "b",
+       {"a\xE2\x80\xAA"
+        "b"}},  // not a terminator
       {"a\r\rb", {"a", "", "b"}},
       {"a\n\rb", {"a", "", "b"}},
   };

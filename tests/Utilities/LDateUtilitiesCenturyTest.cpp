@@ -22,12 +22,22 @@ TEST(LDateUtilitiesCenturyTest, ShortYearsLandInTheWindowAroundTheCurrentYear) {
     int expected;
   };
   const Case cases[] = {
-      {98, 2026, 1998},   {30, 2026, 2030},   {57, 2026, 1957},   {56, 2026, 2056},
-      {0, 2026, 2000},    {99, 2000, 1999},   {31, 2000, 1931},   {30, 2000, 2030},
-      {150, 2026, 2150},  {999, 2026, 2999},  {1000, 2026, 1000}, {1998, 2026, 1998},
+      {98, 2026, 1998},
+      {30, 2026, 2030},
+      {57, 2026, 1957},
+      {56, 2026, 2056},
+      {0, 2026, 2000},
+      {99, 2000, 1999},
+      {31, 2000, 1931},
+      {30, 2000, 2030},
+      {150, 2026, 2150},
+      {999, 2026, 2999},
+      {1000, 2026, 1000},
+      {1998, 2026, 1998},
       // Late in a century the rule only ever moves a year back, never forward: 28 in 2099 is
       // 2028, below the window's start.
-      {69, 2099, 2069},   {28, 2099, 2028},
+      {69, 2099, 2069},
+      {28, 2099, 2028},
   };
   for (const Case& c : cases) {
     EXPECT_EQ(D::yearByAdjustingYearIfNecessary(c.year, c.currentYear), c.expected)
@@ -43,12 +53,18 @@ TEST(LDateUtilitiesCenturyTest, MonthDayYearTextThenCenturyRule) {
     const char* adjusted;
   };
   const Case cases[] = {
-      {"3/7/98", "0098-03-07", "1998-03-07"},      {"12/31/2024", "2024-12-31", "2024-12-31"},
-      {"02-29-2024", "2024-02-29", "2024-02-29"},  {"1/1/00", "2000-01-01", "2000-01-01"},
-      {"1/1/57", "0057-01-01", "1957-01-01"},      {"2/30/2024", "none", "none"},
-      {"13/1/2024", "none", "none"},               {"Date", "none", "none"},
-      {"", "none", "none"},                        {"1/2/2024 ", "none", "none"},
-      {"1/2", "none", "none"},                     {"99999999/1/1", "none", "none"},
+      {"3/7/98", "0098-03-07", "1998-03-07"},
+      {"12/31/2024", "2024-12-31", "2024-12-31"},
+      {"02-29-2024", "2024-02-29", "2024-02-29"},
+      {"1/1/00", "2000-01-01", "2000-01-01"},
+      {"1/1/57", "0057-01-01", "1957-01-01"},
+      {"2/30/2024", "none", "none"},
+      {"13/1/2024", "none", "none"},
+      {"Date", "none", "none"},
+      {"", "none", "none"},
+      {"1/2/2024 ", "none", "none"},
+      {"1/2", "none", "none"},
+      {"99999999/1/1", "none", "none"},
   };
   for (const Case& c : cases) {
     const auto date = D::dateFromMonthDayYearString(c.text);
