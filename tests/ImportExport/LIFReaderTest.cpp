@@ -444,3 +444,31 @@ TEST(LIFReaderTest, CancelStopsTheReading) {
 
 }  // namespace
 }  // namespace ledgeon
+
+namespace ledgeon {
+namespace {
+
+// The bundled sample reads cleanly: the demo must not show a log full of warnings.
+TEST(LIFReaderTest, BundledSampleReadsWithoutProblems) {
+  ImportLog log("Import Log", "household.lif");
+  LIFReader reader(log);
+  const auto records = reader.readFile(std::filesystem::path(LEDGEON_SOURCE_DIR) / "resources" /
+                                       "demo" / "household.lif");
+  ASSERT_TRUE(records);
+  EXPECT_EQ(log.count(ImportLogSeverity::kWarning), 0u) << log.plainText();
+  size_t bank = 0;
+  size_t investments = 0;
+  size_t prices = 0;
+  for (const auto& record : *records) {
+    bank += std::holds_alternative<LIFBankTransaction>(record);
+    investments += std::holds_alternative<LIFInvestmentTransaction>(record);
+    prices += std::holds_alternative<LIFPrice>(record);
+  }
+  EXPECT_EQ(bank, 13u);  // 7 checking, 4 card, 2 brokerage cash
+  EXPECT_EQ(investments, 7u);
+  EXPECT_EQ(prices, 5u);
+  EXPECT_EQ(reader.accountsWithStockSplits().at("Retirement Brokerage"), 1u);
+}
+
+}  // namespace
+}  // namespace ledgeon
