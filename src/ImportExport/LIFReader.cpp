@@ -124,7 +124,14 @@ size_t LIFReader::importAccountInformation(size_t index) {
   LIFAccountList list{lines_[index].number, {}};
   LIFAccountRecord record;
   bool open = false;
+  // "L" lines add to the limit's text; it is read once the record is complete.
+  std::string creditLimitText;
+  const Line* creditLimitLine = nullptr;
   auto finish = [&] {
+    if (creditLimitLine != nullptr)
+      record.creditLimit = amountAt(*creditLimitLine, creditLimitText);
+    creditLimitText.clear();
+    creditLimitLine = nullptr;
     if (!record.name.empty()) {
       fileAccounts_.insert(record.name);
       currentAccount_ = record.name;
@@ -161,7 +168,8 @@ size_t LIFReader::importAccountInformation(size_t index) {
         record.description = std::string(field);
         break;
       case 'L':
-        record.creditLimit = amountAt(line, field);
+        creditLimitText += field;
+        creditLimitLine = &line;
         break;
       case '$':
       case 'B': {

@@ -1,8 +1,10 @@
 #include "ImportExport/TextFileReader.h"
 
+#include <algorithm>
+#include <climits>
 #include <fstream>
-#include <iterator>
 #include <memory>
+#include <system_error>
 
 #include <unicode/ucsdet.h>
 #include <unicode/unistr.h>
@@ -45,7 +47,11 @@ Result<std::string> TextFileReader::readFile(const std::filesystem::path& path) 
     error.userInfo[kFilePathErrorKey] = path.string();
     return error;
   }
-  std::string bytes((std::istreambuf_iterator<char>(stream)), std::istreambuf_iterator<char>());
+  std::error_code sizeError;
+  const auto size = std::filesystem::file_size(path, sizeError);
+  std::string bytes(sizeError ? 0 : static_cast<size_t>(size), '\0');
+  stream.read(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+  bytes.resize(static_cast<size_t>(stream.gcount()));
   if (stream.bad()) {
     return Error::make(kCocoaErrorDomain, 256,
                        "The file \"" + path.filename().string() + "\" could not be read.");
