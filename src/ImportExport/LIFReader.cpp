@@ -34,10 +34,25 @@ Result<std::vector<LIFRecord>> LIFReader::readFile(const std::filesystem::path& 
 }
 
 std::vector<LIFRecord> LIFReader::readText(std::string_view text) {
-  records_.clear();
+  std::vector<LIFRecord> records;
+  readText(text, [&records](LIFRecord&& record) { records.push_back(std::move(record)); });
+  return records;
+}
+
+void LIFReader::readText(std::string_view text, const std::function<void(LIFRecord&&)>& receiver) {
+  // Everything a read learns about the file starts afresh, so one reader can read again.
+  receiver_ = receiver;
   lines_.clear();
   currentAccount_.clear();
+  fileAccounts_.clear();
+  fileCategories_.clear();
+  fileTags_.clear();
+  fileSecurityTypes_.clear();
+  accountsWithStockSplits_.clear();
+  problems_ = 0;
+  skippingSection_ = false;
   userAborted_ = false;
+  importedInvestments_ = false;
   const std::vector<std::string_view> lines = TextFileReader::splitLines(text);
   lines_.reserve(lines.size());
   for (size_t i = 0; i < lines.size(); ++i) {
@@ -52,7 +67,11 @@ std::vector<LIFRecord> LIFReader::readText(std::string_view text) {
     log_.add(ImportLogSeverity::kWarning, stringWithFormat("%lu further problems were not listed",
                                                            problems_ - kMaximumReportedProblems));
   }
-  return std::move(records_);
+  receiver_ = nullptr;
+}
+
+void LIFReader::emit(LIFRecord&& record) {
+  if (receiver_) receiver_(std::move(record));
 }
 
 // Securities are read before everything else, so that investment records anywhere in the file
@@ -156,7 +175,7 @@ size_t LIFReader::importAccountInformation(size_t index) {
         if (!type) {
           logAtLine(ImportLogSeverity::kWarning,
                     stringWithFormat("Unrecognized account type %@", field), line);
-          if (!list.accounts.empty()) records_.emplace_back(std::move(list));
+          if (!list.accounts.empty()) emit(std::move(list));
           skippingSection_ = true;
           return i;
         }
@@ -189,7 +208,7 @@ size_t LIFReader::importAccountInformation(size_t index) {
     problem(lines_[std::min(i, lines_.size()) - 1], "account record ends without \"^\"");
     finish();
   }
-  records_.emplace_back(std::move(list));
+  emit(std::move(list));
   return i;
 }
 
@@ -201,7 +220,7 @@ size_t LIFReader::importCatList(size_t index) {
     std::replace(slashed.begin(), slashed.end(), '*', '/');
     if (!category.name.empty() && !categoryExists(category.name) && !categoryExists(slashed)) {
       fileCategories_.insert(category.name);
-      records_.emplace_back(std::move(category));
+      emit(std::move(category));
     }
     category = LIFCategory();
     open = false;
@@ -248,7 +267,7 @@ size_t LIFReader::importClassList(size_t index) {
   auto finish = [&] {
     if (!tag.name.empty() && !tagExists(tag.name)) {
       fileTags_.insert(tag.name);
-      records_.emplace_back(std::move(tag));
+      emit(std::move(tag));
     }
     tag = LIFTag();
     open = false;
@@ -273,7 +292,7 @@ size_t LIFReader::importSecurity(size_t index) {
   auto finish = [&] {
     if (!security.name.empty()) {
       fileSecurityTypes_[security.name] = security.type;
-      records_.emplace_back(std::move(security));
+      emit(std::move(security));
     }
     security = LIFSecurity();
     open = false;
@@ -325,7 +344,7 @@ size_t LIFReader::importPrices(size_t index) {
     }
     price.date = LIFFields::priceDate(parts[2]);
     if (!price.date) problem(line, stringWithFormat("date %@ could not be read", parts[2]));
-    records_.emplace_back(std::move(price));
+    emit(std::move(price));
   }
   return i;
 }

@@ -45,6 +45,9 @@ class LIFReader final {
   Result<std::vector<LIFRecord>> readFile(const std::filesystem::path& path);
   // Reads UTF-8 text.
   std::vector<LIFRecord> readText(std::string_view text);
+  // Reads UTF-8 text handing each record to `receiver` as soon as it is complete, in the same
+  // order readText() lists them, so that a large file never has all its records in memory.
+  void readText(std::string_view text, const std::function<void(LIFRecord&&)>& receiver);
 
   void setProgress(Progress progress) { progress_ = std::move(progress); }
   bool userAborted() const { return userAborted_; }
@@ -90,6 +93,7 @@ class LIFReader final {
   bool isSectionEnd(size_t index) const;
   Amount amountAt(const Line& line, std::string_view text);
   std::optional<Date> dateAt(const Line& line, std::string_view text);
+  void emit(LIFRecord&& record);
   void problem(const Line& line, const std::string& what);
   void logAtLine(ImportLogSeverity severity, const std::string& text, const Line& line);
 
@@ -97,7 +101,7 @@ class LIFReader final {
   LIFReaderLookups lookups_;
   Progress progress_;
   std::vector<Line> lines_;
-  std::vector<LIFRecord> records_;
+  std::function<void(LIFRecord&&)> receiver_;
   Date today_;
   std::string currentAccount_;
   std::set<std::string, std::less<>> fileAccounts_;

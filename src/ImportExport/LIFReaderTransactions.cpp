@@ -183,7 +183,7 @@ void LIFReader::finishBankRecord(BankState& state) {
     record.splits.push_back({record.line, record.isTransfer() ? kTransferCategory : record.category,
                              record.tag, record.memo, record.amount, record.transferAccount});
   }
-  if (state.create) records_.emplace_back(std::move(record));
+  if (state.create) emit(std::move(record));
 }
 
 size_t LIFReader::importInvestmentTransactions(size_t index) {
@@ -336,7 +336,7 @@ void LIFReader::finishInvestmentRecord(InvestmentState& state, size_t& splits) {
   if (type == 23 || startsWith(record.action, "CGLong") || startsWith(record.action, "CGShort")) {
     record.userStatusOverride = 100;
   }
-  records_.emplace_back(std::move(record));
+  emit(std::move(record));
 }
 
 }  // namespace ledgeon

@@ -472,3 +472,25 @@ TEST(LIFReaderTest, BundledSampleReadsWithoutProblems) {
 
 }  // namespace
 }  // namespace ledgeon
+
+namespace ledgeon {
+namespace {
+
+TEST(LIFReaderTest, StreamedRecordsComeInTheSameOrder) {
+  const std::string file = testing::readFile(std::filesystem::path(LEDGEON_SOURCE_DIR) /
+                                             "resources" / "demo" / "household.lif");
+  ImportLog log("Import Log", "household.lif");
+  LIFReader reader(log);
+  const auto collected = reader.readText(file);
+  std::vector<size_t> streamed;
+  reader.readText(file, [&](LIFRecord&& record) {
+    streamed.push_back(std::visit([](const auto& r) { return r.line; }, record));
+  });
+  ASSERT_EQ(streamed.size(), collected.size());
+  for (size_t i = 0; i < collected.size(); ++i) {
+    EXPECT_EQ(streamed[i], std::visit([](const auto& r) { return r.line; }, collected[i]));
+  }
+}
+
+}  // namespace
+}  // namespace ledgeon
