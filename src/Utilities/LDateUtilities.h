@@ -53,6 +53,16 @@ class LDateUtilities final {
   // its midnight GMT.
   static std::optional<Date> timestampFromISO8601String(std::string_view text);
 
+  // Dates written month/day/year ("3/7/2024", "03/07/98"; "/" or "-" between the numbers) as
+  // they stand: year 98 is the year 98. A year of 0 names no calendar date and is placed by the
+  // century rule at once. std::nullopt for any other text or a day that does not exist.
+  static std::optional<Date> dateFromMonthDayYearString(std::string_view text);
+  // The century rule for years written short, with the current year c: a year above 999 stays;
+  // 0...99 lands in the window c - 69 ... c + 30; 100...999 lands in c's millennium.
+  static int yearByAdjustingYearIfNecessary(int year, int currentYear);
+  // The same month and day with the year put through the century rule against today's year.
+  static std::optional<Date> dateByAdjustingYearIfNecessary(Date date);
+
   // The zone calendar dates are held in: "GMT".
   static std::string dateTimeZone();
   static constexpr double timeIntervalForNumberOfDays(long days) noexcept {
