@@ -26,6 +26,10 @@ enum class CalculationError : uint8_t {
 enum class ComparisonResult : int8_t { Ascending = -1, Same = 0, Descending = 1 };
 
 struct Calculation;
+struct AmountKernel;
+
+// The mantissa type. Spelled through a typedef so pedantic builds accept the compiler extension.
+__extension__ typedef unsigned __int128 UInt128;
 
 // A base-10 decimal of up to 38 significant digits: mantissa x 10^exponent, with a sign and a
 // not-a-number state. Every money value, quantity, price and rate is one. Immutable and trivially
@@ -48,7 +52,7 @@ class Amount final {
 
   // Construction. A mantissa of more than 38 digits is rounded plain; an exponent outside the
   // 8-bit range after normalisation gives NaN.
-  static Amount fromParts(unsigned __int128 mantissa, int exponent, bool negative) noexcept;
+  static Amount fromParts(UInt128 mantissa, int exponent, bool negative) noexcept;
   static Amount fromInt64(int64_t value) noexcept;
   static Amount fromUInt64(uint64_t value) noexcept;
   // The shortest decimal that reads back as the same double; NaN and infinities give NaN.
@@ -70,7 +74,7 @@ class Amount final {
   static Amount safeDecimalNumberWithValue(std::string_view text);
 
   // Parts.
-  unsigned __int128 mantissa() const noexcept { return mantissa_; }
+  UInt128 mantissa() const noexcept { return mantissa_; }
   int exponent() const noexcept { return exponent_; }
   bool isSignNegative() const noexcept { return negative_; }
 
@@ -132,7 +136,11 @@ class Amount final {
   std::string descriptionWithLocale(std::string_view localeIdentifier) const;
 
  private:
-  unsigned __int128 mantissa_ = 0;
+  friend struct AmountKernel;
+  constexpr Amount(UInt128 mantissa, int8_t exponent, bool negative, bool nan) noexcept
+      : mantissa_(mantissa), exponent_(exponent), negative_(negative), nan_(nan) {}
+
+  UInt128 mantissa_ = 0;
   int8_t exponent_ = 0;
   bool negative_ = false;
   bool nan_ = false;

@@ -1,0 +1,224 @@
+#include "Utilities/LArithmetic.h"
+
+#include <stdexcept>
+
+#include <unicode/ucurr.h>
+
+#include "Utilities/Log.h"
+
+namespace ledgeon {
+
+namespace {
+
+// Digits beyond 38 inside the accumulator always go half to even, so long sums do not drift.
+constexpr RoundingMode kArithmeticMode = RoundingMode::Bankers;
+
+constexpr char kErrorLog[] = "%@ %@ leftOperand = %@, rightOperand = %@";
+constexpr char kInvalidParameter[] = "Invalid parameter not satisfying: %@";
+
+Amount orZero(const std::optional<Amount>& operand) noexcept {
+  return operand ? *operand : Amount();
+}
+
+}  // namespace
+
+Amount Number::decimalValue() const noexcept {
+  return std::visit(
+      [](const auto& v) -> Amount {
+        using T = std::decay_t<decltype(v)>;
+        if constexpr (std::is_same_v<T, int64_t>) {
+          return Amount::fromInt64(v);
+        } else if constexpr (std::is_same_v<T, uint64_t>) {
+          return Amount::fromUInt64(v);
+        } else if constexpr (std::is_same_v<T, double>) {
+          return Amount::fromDouble(v);
+        } else {
+          return v;
+        }
+      },
+      value_);
+}
+
+LArithmetic LArithmetic::zero() noexcept { return LArithmetic(Amount::zero()); }
+LArithmetic LArithmetic::one() noexcept { return LArithmetic(Amount::one()); }
+LArithmetic LArithmetic::minusOne() noexcept { return LArithmetic(Amount::minusOne()); }
+LArithmetic LArithmetic::decimalWithNumber(const Number& number) noexcept {
+  return LArithmetic(number.decimalValue());
+}
+LArithmetic LArithmetic::decimalWithDecimal(const std::optional<Amount>& decimal) noexcept {
+  return LArithmetic(orZero(decimal));
+}
+LArithmetic LArithmetic::decimalWithDouble(double value) noexcept {
+  return LArithmetic(Amount::fromDouble(value));
+}
+LArithmetic LArithmetic::decimalWithInteger(int64_t value) noexcept {
+  return LArithmetic(Amount::fromInt64(value));
+}
+LArithmetic LArithmetic::decimalWithUnsignedInteger(uint64_t value) noexcept {
+  return LArithmetic(Amount::fromUInt64(value));
+}
+
+std::string LArithmetic::errorName(CalculationError error) {
+  switch (error) {
+    case CalculationError::Underflow:
+      return "NSCalculationUnderflow";
+    case CalculationError::Overflow:
+      return "NSCalculationOverflow";
+    case CalculationError::DivideByZero:
+      return "NSCalculationDivideByZero";
+    default:
+      return stringWithFormat("Unknown error (%ld)", static_cast<long>(error));
+  }
+}
+
+void LArithmetic::apply(const Calculation& result, std::string_view operation, const Amount& left,
+                        const Amount& right) {
+  value_ = result.value;
+  if (result.error == CalculationError::NoError ||
+      result.error == CalculationError::LossOfPrecision) {
+    return;  // 38-digit values lose digits all the time; that is expected
+  }
+  LLog(kErrorLog, errorName(result.error), operation, left.stringValue(), right.stringValue());
+}
+
+void LArithmetic::addDecimalValue(const Amount& operand) {
+  const Amount left = value_;
+  apply(Amount::add(left, operand, kArithmeticMode), "add", left, operand);
+}
+void LArithmetic::subtractDecimalValue(const Amount& operand) {
+  const Amount left = value_;
+  apply(Amount::subtract(left, operand, kArithmeticMode), "subtract", left, operand);
+}
+void LArithmetic::multiplyByDecimalValue(const Amount& operand) {
+  const Amount left = value_;
+  apply(Amount::multiply(left, operand, kArithmeticMode), "multiply", left, operand);
+}
+void LArithmetic::divideByDecimalValue(const Amount& operand) {
+  const Amount left = value_;
+  apply(Amount::divide(left, operand, kArithmeticMode), "divide", left, operand);
+}
+
+void LArithmetic::addNumber(const Number& operand) { addDecimalValue(operand.decimalValue()); }
+void LArithmetic::addDecimal(const std::optional<Amount>& operand) {
+  addDecimalValue(orZero(operand));
+}
+void LArithmetic::subtractNumber(const Number& operand) {
+  subtractDecimalValue(operand.decimalValue());
+}
+void LArithmetic::subtractDecimal(const std::optional<Amount>& operand) {
+  subtractDecimalValue(orZero(operand));
+}
+void LArithmetic::multiplyByNumber(const Number& operand) {
+  multiplyByDecimalValue(operand.decimalValue());
+}
+void LArithmetic::multiplyByDecimal(const std::optional<Amount>& operand) {
+  multiplyByDecimalValue(orZero(operand));
+}
+void LArithmetic::divideByNumber(const Number& operand) {
+  divideByDecimalValue(operand.decimalValue());
+}
+void LArithmetic::divideByDecimal(const std::optional<Amount>& operand) {
+  divideByDecimalValue(orZero(operand));
+}
+
+void LArithmetic::raiseToPower(unsigned power) {
+  const Amount left = value_;
+  apply(Amount::power(left, power, kArithmeticMode), "raiseToPower", left,
+        Amount::fromUInt64(power));
+}
+
+void LArithmetic::addProductOfNumber(const Number& a, const Number& b) {
+  LArithmetic product = decimalWithNumber(a);
+  product.multiplyByNumber(b);
+  addDecimalValue(product.value_);
+}
+
+void LArithmetic::multiplyByNegativeOne() noexcept { value_ = value_.decimalNumberByNegating(); }
+
+void LArithmetic::multiplyRoundWholeByDecimal(const std::optional<Amount>& operand,
+                                              RoundingMode mode) {
+  if (!operand) return;
+  multiplyByDecimalValue(*operand);
+  roundWithScale(0, mode);
+}
+
+void LArithmetic::divideRoundWholeByDecimal(const std::optional<Amount>& operand,
+                                            RoundingMode mode) {
+  if (!operand) return;
+  divideByDecimalValue(*operand);
+  roundWithScale(0, mode);
+}
+
+void LArithmetic::roundWithScale(int16_t scale) noexcept {
+  roundWithScale(scale, RoundingMode::Plain);
+}
+
+void LArithmetic::roundWithScale(int16_t scale, RoundingMode mode) noexcept {
+  value_ = Amount::roundToScale(value_, scale, mode).value;
+}
+
+void LArithmetic::roundCurrencyWithMode(RoundingMode mode) {
+  // Asks for no currency at all, hence two places.
+  roundWithScale(static_cast<int16_t>(getDecimalsForCurrency({})), mode);
+}
+
+ComparisonResult LArithmetic::compare(const Operand& operand) const {
+  if (std::holds_alternative<std::string>(operand)) {
+    throw std::logic_error(stringWithFormat(
+        kInvalidParameter, "[number isKindOfClass:Number] || [number isKindOfClass:LArithmetic]"));
+  }
+  if (const auto* number = std::get_if<Number>(&operand)) {
+    return value_.compare(number->decimalValue());
+  }
+  if (const auto* other = std::get_if<std::reference_wrapper<const LArithmetic>>(&operand)) {
+    return value_.compare(other->get().value_);
+  }
+  return value_.compare(Amount());
+}
+
+bool LArithmetic::isLessThanNumber(const Number& n) const noexcept {
+  return isLessThanDecimal(n.decimalValue());
+}
+bool LArithmetic::isLessThanDecimal(const Amount& d) const noexcept {
+  return value_.compare(d) == ComparisonResult::Ascending;
+}
+bool LArithmetic::isLessThanOrEqualToNumber(const Number& n) const noexcept {
+  return isLessThanOrEqualToDecimal(n.decimalValue());
+}
+bool LArithmetic::isLessThanOrEqualToDecimal(const Amount& d) const noexcept {
+  return value_.compare(d) != ComparisonResult::Descending;
+}
+bool LArithmetic::isEqualToNumber(const Number& n) const noexcept {
+  return isEqualToDecimal(n.decimalValue());
+}
+bool LArithmetic::isEqualToDecimal(const Amount& d) const noexcept {
+  return value_.compare(d) == ComparisonResult::Same;
+}
+bool LArithmetic::isGreaterThanNumber(const Number& n) const noexcept {
+  return isGreaterThanDecimal(n.decimalValue());
+}
+bool LArithmetic::isGreaterThanDecimal(const Amount& d) const noexcept {
+  return value_.compare(d) == ComparisonResult::Descending;
+}
+bool LArithmetic::isGreaterThanOrEqualToNumber(const Number& n) const noexcept {
+  return isGreaterThanOrEqualToDecimal(n.decimalValue());
+}
+bool LArithmetic::isGreaterThanOrEqualToDecimal(const Amount& d) const noexcept {
+  return value_.compare(d) != ComparisonResult::Ascending;
+}
+
+int LArithmetic::getDecimalsForCurrency(std::string_view isoCode) {
+  constexpr int kDefaultDigits = 2;
+  if (isoCode.size() != 3) return kDefaultDigits;
+  UChar code[4] = {};
+  for (size_t i = 0; i < 3; ++i) {
+    const char c = isoCode[i];
+    if (!((c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z'))) return kDefaultDigits;
+    code[i] = static_cast<UChar>(c >= 'a' ? c - 'a' + 'A' : c);
+  }
+  UErrorCode status = U_ZERO_ERROR;
+  const int32_t digits = ucurr_getDefaultFractionDigits(code, &status);
+  return U_SUCCESS(status) && digits >= 0 ? digits : kDefaultDigits;
+}
+
+}  // namespace ledgeon
