@@ -5,8 +5,8 @@
 
 namespace ledgeon {
 
-#define LEDGEON_OFXBASE_PROPERTIES(X)                  \
-  X(OFXRef<OFXStatus>, ofxStatus, OfxStatus)           \
+#define LEDGEON_OFXBASE_PROPERTIES(X)                    \
+  X(OFXRef<OFXStatus>, ofxStatus, OfxStatus)             \
   X(OFXRef<OFXStatus>, ofxStatusSignon, OfxStatusSignon) \
   X(OFXRef<OFXStatus>, ofxStatusPinChange, OfxStatusPinChange)
 

@@ -45,8 +45,7 @@ std::string formatInZone(Date date, const icu::TimeZone& zone) {
     zoneFormatter.setTimeZone(zone);
     zoneFormatter.format(when, abbreviation);
   }
-  return toUTF8(text) +
-         OFXDates::zoneSuffix((rawOffset + dstOffset) / 1000, toUTF8(abbreviation));
+  return toUTF8(text) + OFXDates::zoneSuffix((rawOffset + dstOffset) / 1000, toUTF8(abbreviation));
 }
 
 int64_t daysFromCivil(int64_t year, unsigned month, unsigned day) {
@@ -100,9 +99,8 @@ std::string OFXDates::OFXFormatForDate(Date date) {
 }
 
 std::string OFXDates::OFXFormatForDate(Date date, std::string_view zoneIdentifier) {
-  std::unique_ptr<icu::TimeZone> zone(icu::TimeZone::createTimeZone(
-      icu::UnicodeString::fromUTF8(icu::StringPiece(zoneIdentifier.data(),
-                                                    static_cast<int32_t>(zoneIdentifier.size())))));
+  std::unique_ptr<icu::TimeZone> zone(icu::TimeZone::createTimeZone(icu::UnicodeString::fromUTF8(
+      icu::StringPiece(zoneIdentifier.data(), static_cast<int32_t>(zoneIdentifier.size())))));
   return formatInZone(date, *zone);
 }
 
@@ -135,7 +133,8 @@ std::optional<Date> OFXDates::dateFromOFXString(std::string_view raw) {
   double fraction = 0;
   if (position < text.size() && text[position] == '.') {
     double scale = 0.1;
-    for (++position; position < text.size() && std::isdigit(static_cast<unsigned char>(text[position]));
+    for (++position;
+         position < text.size() && std::isdigit(static_cast<unsigned char>(text[position]));
          ++position) {
       fraction += scale * (text[position] - '0');
       scale /= 10;
@@ -153,10 +152,9 @@ std::optional<Date> OFXDates::dateFromOFXString(std::string_view raw) {
 
 std::optional<Date> OFXDates::dateFromPattern(std::string_view text, std::string_view pattern) {
   UErrorCode status = U_ZERO_ERROR;
-  icu::SimpleDateFormat formatter(
-      icu::UnicodeString::fromUTF8(
-          icu::StringPiece(pattern.data(), static_cast<int32_t>(pattern.size()))),
-      icu::Locale("en_US_POSIX"), status);
+  icu::SimpleDateFormat formatter(icu::UnicodeString::fromUTF8(icu::StringPiece(
+                                      pattern.data(), static_cast<int32_t>(pattern.size()))),
+                                  icu::Locale("en_US_POSIX"), status);
   if (U_FAILURE(status)) return std::nullopt;
   formatter.setLenient(false);
   formatter.adoptTimeZone(icu::TimeZone::createTimeZone("GMT"));

@@ -10,7 +10,9 @@ namespace ledgeon {
 class OFXException : public std::runtime_error {
  public:
   OFXException(std::string name, std::string reason)
-      : std::runtime_error(name + ": " + reason), name_(std::move(name)), reason_(std::move(reason)) {}
+      : std::runtime_error(name + ": " + reason),
+        name_(std::move(name)),
+        reason_(std::move(reason)) {}
   const std::string& name() const { return name_; }
   const std::string& reason() const { return reason_; }
   std::string description() const { return what(); }

@@ -122,14 +122,14 @@ void OFXInvStatement::fixupData() {
 
 void OFXSyncBase::postImportValidate() { OFXBase::postImportValidate(); }
 
-#define LEDGEON_OFX_SYNC_METHODS(Class)                 \
-  void Class::fixupData() {                             \
-    for (auto& transaction : transactions_) transaction->fixupData(); \
-  }                                                     \
-  void Class::postImportValidate() {                    \
-    OFXSyncBase::postImportValidate();                  \
+#define LEDGEON_OFX_SYNC_METHODS(Class)                                        \
+  void Class::fixupData() {                                                    \
+    for (auto& transaction : transactions_) transaction->fixupData();          \
+  }                                                                            \
+  void Class::postImportValidate() {                                           \
+    OFXSyncBase::postImportValidate();                                         \
     for (auto& transaction : transactions_) transaction->postImportValidate(); \
-    bubbleUpOFXErrorsInItems(transactions_);            \
+    bubbleUpOFXErrorsInItems(transactions_);                                   \
   }
 
 LEDGEON_OFX_SYNC_METHODS(OFXBillPaySync)

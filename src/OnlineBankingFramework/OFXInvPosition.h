@@ -4,19 +4,19 @@
 
 namespace ledgeon {
 
-#define LEDGEON_OFXINVPOSITION_PROPERTIES(X)                 \
-  X(OFXString, uniqueID, UniqueID)                           \
-  X(OFXString, uniqueIDType, UniqueIDType)                   \
-  X(OFXString, heldInAccount, HeldInAccount)                 \
-  X(OFXString, posType, PosType)                             \
-  X(OFXString, units, Units)                                 \
-  X(OFXString, unitPrice, UnitPrice)                         \
-  X(OFXString, marketValue, MarketValue)                     \
-  X(OFXString, datePriceAsOfString, DatePriceAsOfString)     \
-  X(OFXDate, datePriceAsOf, DatePriceAsOf)                   \
-  X(OFXString, currencyRate, CurrencyRate)                   \
-  X(OFXString, currencySymbol, CurrencySymbol)                \
-  X(OFXString, memo, Memo)                                   \
+#define LEDGEON_OFXINVPOSITION_PROPERTIES(X)             \
+  X(OFXString, uniqueID, UniqueID)                       \
+  X(OFXString, uniqueIDType, UniqueIDType)               \
+  X(OFXString, heldInAccount, HeldInAccount)             \
+  X(OFXString, posType, PosType)                         \
+  X(OFXString, units, Units)                             \
+  X(OFXString, unitPrice, UnitPrice)                     \
+  X(OFXString, marketValue, MarketValue)                 \
+  X(OFXString, datePriceAsOfString, DatePriceAsOfString) \
+  X(OFXDate, datePriceAsOf, DatePriceAsOf)               \
+  X(OFXString, currencyRate, CurrencyRate)               \
+  X(OFXString, currencySymbol, CurrencySymbol)           \
+  X(OFXString, memo, Memo)                               \
   X(OFXString, inv401KSource, Inv401KSource)
 
 // A holding of an investment statement (INVPOSLIST entry), as the server's texts.
@@ -34,10 +34,10 @@ class OFXStockPos : public OFXInvPosition {
   LEDGEON_OFX_CLASS(OFXStockPos, LEDGEON_OFXSTOCKPOS_PROPERTIES)
 };
 
-#define LEDGEON_OFXMFPOS_PROPERTIES(X)                \
-  X(OFXString, unitsStreet, UnitsStreet)              \
-  X(OFXString, unitsUser, UnitsUser)                  \
-  X(OFXString, reinvestDividends, ReinvestDividends)  \
+#define LEDGEON_OFXMFPOS_PROPERTIES(X)               \
+  X(OFXString, unitsStreet, UnitsStreet)             \
+  X(OFXString, unitsUser, UnitsUser)                 \
+  X(OFXString, reinvestDividends, ReinvestDividends) \
   X(OFXString, reinvestCapitalGains, ReinvestCapitalGains)
 
 class OFXMFPos : public OFXInvPosition {

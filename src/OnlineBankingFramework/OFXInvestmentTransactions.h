@@ -47,8 +47,7 @@ LEDGEON_OFX_SIMPLE_INVESTMENT_CLASS(OFXSellInvestmentTransaction, OFXInvestmentT
   X(OFXString, fractionalCash, FractionalCash)
 
 class OFXSplitInvestmentTransaction : public OFXInvestmentTransaction {
-  LEDGEON_OFX_CLASS(OFXSplitInvestmentTransaction,
-                    LEDGEON_OFXSPLITINVESTMENTTRANSACTION_PROPERTIES)
+  LEDGEON_OFX_CLASS(OFXSplitInvestmentTransaction, LEDGEON_OFXSPLITINVESTMENTTRANSACTION_PROPERTIES)
 };
 
 LEDGEON_OFX_SIMPLE_INVESTMENT_CLASS(OFXTransferInvestmentTransaction, OFXInvestmentTransaction)
@@ -61,10 +60,8 @@ LEDGEON_OFX_SIMPLE_INVESTMENT_CLASS(OFXInvestmentMarginInterestTransaction,
 LEDGEON_OFX_SIMPLE_INVESTMENT_CLASS(OFXInvestmentRetOfCapTransaction, OFXInvestmentTransaction)
 // The name's spelling is kept: stored documents and scripts know the class by it.
 LEDGEON_OFX_SIMPLE_INVESTMENT_CLASS(OFXInvestmentMutalFundTransaction, OFXInvestmentTransaction)
-LEDGEON_OFX_SIMPLE_INVESTMENT_CLASS(OFXBuyMutualFundTransaction,
-                                    OFXInvestmentMutalFundTransaction)
-LEDGEON_OFX_SIMPLE_INVESTMENT_CLASS(OFXSellMutualFundTransaction,
-                                    OFXInvestmentMutalFundTransaction)
+LEDGEON_OFX_SIMPLE_INVESTMENT_CLASS(OFXBuyMutualFundTransaction, OFXInvestmentMutalFundTransaction)
+LEDGEON_OFX_SIMPLE_INVESTMENT_CLASS(OFXSellMutualFundTransaction, OFXInvestmentMutalFundTransaction)
 
 #define LEDGEON_OFXINVESTMENTDEBTTRANSACTION_PROPERTIES(X) \
   X(OFXString, accruedInterest, AccruedInterest)           \
@@ -75,8 +72,7 @@ class OFXInvestmentDebtTransaction : public OFXInvestmentTransaction {
 };
 
 LEDGEON_OFX_SIMPLE_INVESTMENT_CLASS(OFXInvestmentBuyDebtTransaction, OFXInvestmentDebtTransaction)
-LEDGEON_OFX_SIMPLE_INVESTMENT_CLASS(OFXInvestmentSellDebtTransaction,
-                                    OFXInvestmentDebtTransaction)
+LEDGEON_OFX_SIMPLE_INVESTMENT_CLASS(OFXInvestmentSellDebtTransaction, OFXInvestmentDebtTransaction)
 
 #define LEDGEON_OFXINVESTMENTOPTIONTRANSACTION_PROPERTIES(X) \
   X(OFXString, sharesPerContract, SharesPerContract)         \

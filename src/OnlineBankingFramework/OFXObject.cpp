@@ -75,9 +75,7 @@ std::unique_ptr<OFXObject> OFXObject::makeInstance(std::string_view className) {
   return info ? info->make() : nullptr;
 }
 
-const OFXClassInfo* OFXObject::classNamed(std::string_view className) {
-  return lookup(className);
-}
+const OFXClassInfo* OFXObject::classNamed(std::string_view className) { return lookup(className); }
 
 void OFXObject::registerClass(const OFXClassInfo& info) {
   lookup(info.name);  // built-ins first, so a registration may replace one

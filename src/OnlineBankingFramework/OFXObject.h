@@ -82,13 +82,17 @@ nlohmann::json dateToJSON(const OFXDate& date);
 nlohmann::json amountToJSON(const Amount& amount);
 
 template <typename T>
-struct IsRef : std::false_type {};
+struct IsRef : std::false_type {
+  using Element = void;
+};
 template <typename T>
 struct IsRef<std::unique_ptr<T>> : std::true_type {
   using Element = T;
 };
 template <typename T>
-struct IsList : std::false_type {};
+struct IsList : std::false_type {
+  using Element = void;
+};
 template <typename T>
 struct IsList<std::vector<std::unique_ptr<T>>> : std::true_type {
   using Element = T;
@@ -96,13 +100,20 @@ struct IsList<std::vector<std::unique_ptr<T>>> : std::true_type {
 
 template <typename T>
 constexpr OFXPropertyKind kindOf() {
-  if constexpr (std::is_same_v<T, OFXString>) return OFXPropertyKind::String;
-  else if constexpr (std::is_same_v<T, Amount>) return OFXPropertyKind::Decimal;
-  else if constexpr (std::is_same_v<T, int64_t>) return OFXPropertyKind::Integer;
-  else if constexpr (std::is_same_v<T, bool>) return OFXPropertyKind::Bool;
-  else if constexpr (std::is_same_v<T, OFXDate>) return OFXPropertyKind::Date;
-  else if constexpr (IsRef<T>::value) return OFXPropertyKind::Object;
-  else return OFXPropertyKind::List;
+  if constexpr (std::is_same_v<T, OFXString>)
+    return OFXPropertyKind::String;
+  else if constexpr (std::is_same_v<T, Amount>)
+    return OFXPropertyKind::Decimal;
+  else if constexpr (std::is_same_v<T, int64_t>)
+    return OFXPropertyKind::Integer;
+  else if constexpr (std::is_same_v<T, bool>)
+    return OFXPropertyKind::Bool;
+  else if constexpr (std::is_same_v<T, OFXDate>)
+    return OFXPropertyKind::Date;
+  else if constexpr (IsRef<T>::value)
+    return OFXPropertyKind::Object;
+  else
+    return OFXPropertyKind::List;
 }
 
 template <typename T>
@@ -155,14 +166,14 @@ nlohmann::json valueToJSON(const T& slot) {
 
 template <typename Class, typename T>
 OFXPropertyDescriptor makeProperty(std::string_view name, T Class::*member) {
-  return OFXPropertyDescriptor{
-      name, kindOf<T>(),
-      [member](OFXObject& object, OFXMappedValue&& value) {
-        return assignValue(static_cast<Class&>(object).*member, std::move(value));
-      },
-      [member](const OFXObject& object) {
-        return valueToJSON(static_cast<const Class&>(object).*member);
-      }};
+  return OFXPropertyDescriptor{name, kindOf<T>(),
+                               [member](OFXObject& object, OFXMappedValue&& value) {
+                                 return assignValue(static_cast<Class&>(object).*member,
+                                                    std::move(value));
+                               },
+                               [member](const OFXObject& object) {
+                                 return valueToJSON(static_cast<const Class&>(object).*member);
+                               }};
 }
 
 }  // namespace ofx_detail
@@ -170,18 +181,18 @@ OFXPropertyDescriptor makeProperty(std::string_view name, T Class::*member) {
 
 // A message class's properties are listed once, as X(Type, name, Name) entries; these macros turn
 // the list into accessors and members (header) and into the class's property table (source).
-#define LEDGEON_OFX_ACCESSORS(Type, name, Name)                         \
- public:                                                                \
-  const Type& name() const { return name##_; }                          \
-  Type& name() { return name##_; }                                      \
-  void set##Name(Type value) { name##_ = std::move(value); }            \
-                                                                        \
- private:                                                               \
+#define LEDGEON_OFX_ACCESSORS(Type, name, Name)              \
+ public:                                                     \
+  const Type& name() const { return name##_; }               \
+  Type& name() { return name##_; }                           \
+  void set##Name(Type value) { name##_ = std::move(value); } \
+                                                             \
+ private:                                                    \
   Type name##_{};
 
 #define LEDGEON_OFX_CLASS(Class, PROPERTIES)                                              \
  public:                                                                                  \
-  static const ::ledgeon::OFXClassInfo& staticClassInfo();                               \
+  static const ::ledgeon::OFXClassInfo& staticClassInfo();                                \
   const ::ledgeon::OFXClassInfo& classInfo() const override { return staticClassInfo(); } \
   PROPERTIES(LEDGEON_OFX_ACCESSORS)                                                       \
  public:
@@ -196,17 +207,16 @@ template <typename Class, typename Base>
 OFXClassInfo makeClassInfo(std::string_view name, std::vector<OFXPropertyDescriptor> properties) {
   const OFXClassInfo* base = nullptr;
   if constexpr (!std::is_same_v<Base, OFXObject>) base = &Base::staticClassInfo();
-  return OFXClassInfo{name, base, [] { return std::make_unique<Class>(); },
-                      std::move(properties)};
+  return OFXClassInfo{name, base, [] { return std::make_unique<Class>(); }, std::move(properties)};
 }
 }  // namespace ledgeon::ofx_detail
 
 // In a source file: the class table of Class (derived from Base) from its property list. It is
 // built inside a member function, which may name the private members.
-#define LEDGEON_OFX_DEFINE_CLASS(Class, Base, PROPERTIES)                                   \
-  const ::ledgeon::OFXClassInfo& Class::staticClassInfo() {                                 \
-    using ThisClass = Class;                                                                \
+#define LEDGEON_OFX_DEFINE_CLASS(Class, Base, PROPERTIES)                                          \
+  const ::ledgeon::OFXClassInfo& Class::staticClassInfo() {                                        \
+    using ThisClass [[maybe_unused]] = Class;                                                      \
     static const ::ledgeon::OFXClassInfo info = ::ledgeon::ofx_detail::makeClassInfo<Class, Base>( \
-        #Class, {PROPERTIES(LEDGEON_OFX_DESCRIPTOR)});                                      \
-    return info;                                                                            \
+        #Class, {PROPERTIES(LEDGEON_OFX_DESCRIPTOR)});                                             \
+    return info;                                                                                   \
   }

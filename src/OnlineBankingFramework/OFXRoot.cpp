@@ -119,8 +119,7 @@ size_t OFXRoot::numberOfTransactionsInStatement(const OFXStatement* statement) {
   return statement ? statement->transactions().size() : 0;
 }
 
-void OFXRoot::storeUsingOnlineSessionObject(OFXOnlineSession& session,
-                                            const void* relatedObject) {
+void OFXRoot::storeUsingOnlineSessionObject(OFXOnlineSession& session, const void* relatedObject) {
   session.storeOFXRoot(*this, relatedObject);
 }
 

@@ -10,28 +10,28 @@
 
 namespace ledgeon {
 
-#define LEDGEON_OFXROOT_PROPERTIES(X)                                   \
-  X(bool, directConnect, DirectConnect)                                 \
-  X(bool, investmentOFX, InvestmentOFX)                                 \
-  X(OFXString, org, Org)                                                \
-  X(OFXString, fid, Fid)                                                \
-  X(OFXString, bid, Bid)                                                \
-  X(OFXList<OFXStatement>, statements, Statements)                      \
-  X(OFXList<OFXStatement>, ccStatements, CcStatements)                  \
-  X(OFXList<OFXInvStatement>, invStatements, InvStatements)             \
-  X(OFXList<OFXSecurity>, securities, Securities)                       \
-  X(OFXList<OFXBrand>, brands, Brands)                                  \
-  X(OFXList<OFXAccountInfoList>, accountInfoList, AccountInfoList)      \
-  X(OFXList<OFXChallenge>, challenges, Challenges)                      \
-  X(OFXList<OFXBillPaySync>, billPaySyncs, BillPaySyncs)                \
-  X(OFXList<OFXBillPayTransaction>, billPayTransactions, BillPayTransactions) \
-  X(OFXList<OFXPayeeSync>, payeeSyncs, PayeeSyncs)                      \
-  X(OFXList<OFXPayeeTransaction>, payeeTransactions, PayeeTransactions) \
-  X(OFXList<OFXTransferSync>, transferSyncs, TransferSyncs)             \
+#define LEDGEON_OFXROOT_PROPERTIES(X)                                            \
+  X(bool, directConnect, DirectConnect)                                          \
+  X(bool, investmentOFX, InvestmentOFX)                                          \
+  X(OFXString, org, Org)                                                         \
+  X(OFXString, fid, Fid)                                                         \
+  X(OFXString, bid, Bid)                                                         \
+  X(OFXList<OFXStatement>, statements, Statements)                               \
+  X(OFXList<OFXStatement>, ccStatements, CcStatements)                           \
+  X(OFXList<OFXInvStatement>, invStatements, InvStatements)                      \
+  X(OFXList<OFXSecurity>, securities, Securities)                                \
+  X(OFXList<OFXBrand>, brands, Brands)                                           \
+  X(OFXList<OFXAccountInfoList>, accountInfoList, AccountInfoList)               \
+  X(OFXList<OFXChallenge>, challenges, Challenges)                               \
+  X(OFXList<OFXBillPaySync>, billPaySyncs, BillPaySyncs)                         \
+  X(OFXList<OFXBillPayTransaction>, billPayTransactions, BillPayTransactions)    \
+  X(OFXList<OFXPayeeSync>, payeeSyncs, PayeeSyncs)                               \
+  X(OFXList<OFXPayeeTransaction>, payeeTransactions, PayeeTransactions)          \
+  X(OFXList<OFXTransferSync>, transferSyncs, TransferSyncs)                      \
   X(OFXList<OFXTransferTransaction>, transferTransactions, TransferTransactions) \
-  X(OFXList<OFXEmailSync>, mailSyncs, MailSyncs)                        \
-  X(OFXRef<OFXProfile>, FIProfileData, FIProfileData)                   \
-  X(OFXString, userID, UserID)                                          \
+  X(OFXList<OFXEmailSync>, mailSyncs, MailSyncs)                                 \
+  X(OFXRef<OFXProfile>, FIProfileData, FIProfileData)                            \
+  X(OFXString, userID, UserID)                                                   \
   X(OFXString, accessKey, AccessKey)
 
 // One parsed OFX response: every message of it, owned by the root. Built once per response on one
@@ -66,7 +66,8 @@ class OFXRoot : public OFXBase {
   template <typename T>
   static size_t numberOfTransactionsInStatements(const OFXList<T>& statements) {
     size_t count = 0;
-    for (const auto& statement : statements) count += numberOfTransactionsInStatement(statement.get());
+    for (const auto& statement : statements)
+      count += numberOfTransactionsInStatement(statement.get());
     return count;
   }
 

@@ -24,10 +24,14 @@ bool isValidUTF8(std::string_view text) {
       ++i;
       continue;
     }
-    if ((c & 0xE0) == 0xC0 && c >= 0xC2) extra = 1;
-    else if ((c & 0xF0) == 0xE0) extra = 2;
-    else if ((c & 0xF8) == 0xF0 && c <= 0xF4) extra = 3;
-    else return false;
+    if ((c & 0xE0) == 0xC0 && c >= 0xC2)
+      extra = 1;
+    else if ((c & 0xF0) == 0xE0)
+      extra = 2;
+    else if ((c & 0xF8) == 0xF0 && c <= 0xF4)
+      extra = 3;
+    else
+      return false;
     if (i + extra >= text.size()) return false;
     for (size_t k = 1; k <= extra; ++k) {
       if ((static_cast<unsigned char>(text[i + k]) & 0xC0) != 0x80) return false;

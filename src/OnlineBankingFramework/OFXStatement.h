@@ -27,10 +27,10 @@ class OFXBalance : public OFXBase {
   X(OFXString, bankID, BankID)                                     \
   X(OFXString, acctID, AcctID)                                     \
   X(OFXString, acctType, AcctType)                                 \
-  X(OFXString, availableBalance, AvailableBalance)                    \
+  X(OFXString, availableBalance, AvailableBalance)                 \
   X(OFXString, availableDateString, AvailableDateString)           \
   X(OFXDate, availableDate, AvailableDate)                         \
-  X(OFXString, ledgerBalance, LedgerBalance)                          \
+  X(OFXString, ledgerBalance, LedgerBalance)                       \
   X(OFXString, ledgerDateString, LedgerDateString)                 \
   X(OFXDate, ledgerDate, LedgerDate)                               \
   X(OFXList<OFXTransaction>, transactions, Transactions)           \
@@ -50,15 +50,15 @@ class OFXStatement : public OFXBase {
   void setRunningBalances();
 };
 
-#define LEDGEON_OFXINVSTATEMENT_PROPERTIES(X)        \
-  X(OFXString, brokerID, BrokerID)                   \
-  X(OFXString, dateAsOfString, DateAsOfString)       \
-  X(OFXDate, dateAsOf, DateAsOf)                     \
-  X(OFXString, availableCash, AvailableCash)         \
-  X(OFXString, marginBalance, MarginBalance)         \
-  X(OFXString, shortBalance, ShortBalance)           \
-  X(OFXString, buyPower, BuyPower)                   \
-  X(OFXList<OFXInvPosition>, positions, Positions)   \
+#define LEDGEON_OFXINVSTATEMENT_PROPERTIES(X)      \
+  X(OFXString, brokerID, BrokerID)                 \
+  X(OFXString, dateAsOfString, DateAsOfString)     \
+  X(OFXDate, dateAsOf, DateAsOf)                   \
+  X(OFXString, availableCash, AvailableCash)       \
+  X(OFXString, marginBalance, MarginBalance)       \
+  X(OFXString, shortBalance, ShortBalance)         \
+  X(OFXString, buyPower, BuyPower)                 \
+  X(OFXList<OFXInvPosition>, positions, Positions) \
   X(OFXList<OFXBalance>, balances, Balances)
 
 // An investment statement (INVSTMTTRNRS with its INVSTMTRS): transactions of every kind,
@@ -68,19 +68,19 @@ class OFXInvStatement : public OFXStatement {
   void fixupData() override;
 };
 
-#define LEDGEON_OFXACCOUNTS_PROPERTIES(X)                    \
-  X(OFXString, accountDescription, AccountDescription)       \
-  X(OFXString, phone, Phone)                                 \
-  X(OFXString, accountKind, AccountKind)                     \
-  X(OFXString, bankID, BankID)                               \
-  X(OFXString, branchID, BranchID)                           \
-  X(OFXString, brokerID, BrokerID)                           \
-  X(OFXString, acctID, AcctID)                               \
-  X(OFXString, acctType, AcctType)                           \
+#define LEDGEON_OFXACCOUNTS_PROPERTIES(X)                                \
+  X(OFXString, accountDescription, AccountDescription)                   \
+  X(OFXString, phone, Phone)                                             \
+  X(OFXString, accountKind, AccountKind)                                 \
+  X(OFXString, bankID, BankID)                                           \
+  X(OFXString, branchID, BranchID)                                       \
+  X(OFXString, brokerID, BrokerID)                                       \
+  X(OFXString, acctID, AcctID)                                           \
+  X(OFXString, acctType, AcctType)                                       \
   X(OFXString, supportsTransactionDownload, SupportsTransactionDownload) \
-  X(OFXString, transferSource, TransferSource)               \
-  X(OFXString, transferDestination, TransferDestination)     \
-  X(OFXString, serviceStatus, ServiceStatus)                 \
+  X(OFXString, transferSource, TransferSource)                           \
+  X(OFXString, transferDestination, TransferDestination)                 \
+  X(OFXString, serviceStatus, ServiceStatus)                             \
   X(OFXString, billPayAvailable, BillPayAvailable)
 
 // One account of an account-information answer (ACCTINFO), of any kind ("BANK", "CC", "INV",
@@ -89,9 +89,9 @@ class OFXAccounts : public OFXBase {
   LEDGEON_OFX_CLASS(OFXAccounts, LEDGEON_OFXACCOUNTS_PROPERTIES)
 };
 
-#define LEDGEON_OFXACCOUNTINFOLIST_PROPERTIES(X)                \
-  X(OFXString, transactionUniqueID, TransactionUniqueID)        \
-  X(OFXString, dateAccountUpString, DateAccountUpString)        \
+#define LEDGEON_OFXACCOUNTINFOLIST_PROPERTIES(X)         \
+  X(OFXString, transactionUniqueID, TransactionUniqueID) \
+  X(OFXString, dateAccountUpString, DateAccountUpString) \
   X(OFXList<OFXAccounts>, accounts, Accounts)
 
 // An account-information answer (ACCTINFOTRNRS): the customer's accounts at the institution.

@@ -18,11 +18,11 @@ class OFXSyncBase : public OFXBase {
   void postImportValidate() override;
 };
 
-#define LEDGEON_OFX_SYNC_CLASS(Class, PROPERTIES)    \
-  class Class : public OFXSyncBase {                 \
-    LEDGEON_OFX_CLASS(Class, PROPERTIES)             \
-    void fixupData() override;                       \
-    void postImportValidate() override;              \
+#define LEDGEON_OFX_SYNC_CLASS(Class, PROPERTIES) \
+  class Class : public OFXSyncBase {              \
+    LEDGEON_OFX_CLASS(Class, PROPERTIES)          \
+    void fixupData() override;                    \
+    void postImportValidate() override;           \
   };
 
 #define LEDGEON_OFXBILLPAYSYNC_PROPERTIES(X) \

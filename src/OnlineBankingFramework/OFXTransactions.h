@@ -14,30 +14,30 @@ class OFXTransactionBase : public OFXBase {
   LEDGEON_OFX_CLASS(OFXTransactionBase, LEDGEON_OFXTRANSACTIONBASE_PROPERTIES)
 };
 
-#define LEDGEON_OFXTRANSACTION_PROPERTIES(X)             \
-  X(OFXString, type, Type)                               \
-  X(OFXString, transactionType, TransactionType)         \
-  X(OFXString, datePostedString, DatePostedString)       \
-  X(OFXDate, datePosted, DatePosted)                     \
-  X(OFXString, checkNum, CheckNum)                       \
-  X(Amount, amount, Amount)                              \
-  X(OFXString, amountString, AmountString)               \
-  X(Amount, balance, Balance)                            \
-  X(OFXString, fitid, Fitid)                             \
-  X(OFXString, serverTransID, ServerTransID)             \
-  X(OFXString, name, Name)                               \
-  X(OFXString, memo, Memo)                               \
-  X(OFXString, dateUserString, DateUserString)           \
-  X(OFXDate, dateUser, DateUser)                         \
-  X(OFXString, reference, Reference)                     \
-  X(OFXString, bankAccountTo, BankAccountTo)             \
-  X(OFXString, subAccountSecurity, SubAccountSecurity)   \
-  X(OFXString, subAccountFund, SubAccountFund)           \
-  X(OFXString, categoryString, CategoryString)           \
-  X(OFXString, dateSettleString, DateSettleString)       \
-  X(OFXDate, dateSettle, DateSettle)                     \
-  X(OFXString, importLIDString, ImportLIDString)         \
-  X(int64_t, importLID, ImportLID)                       \
+#define LEDGEON_OFXTRANSACTION_PROPERTIES(X)           \
+  X(OFXString, type, Type)                             \
+  X(OFXString, transactionType, TransactionType)       \
+  X(OFXString, datePostedString, DatePostedString)     \
+  X(OFXDate, datePosted, DatePosted)                   \
+  X(OFXString, checkNum, CheckNum)                     \
+  X(Amount, amount, Amount)                            \
+  X(OFXString, amountString, AmountString)             \
+  X(Amount, balance, Balance)                          \
+  X(OFXString, fitid, Fitid)                           \
+  X(OFXString, serverTransID, ServerTransID)           \
+  X(OFXString, name, Name)                             \
+  X(OFXString, memo, Memo)                             \
+  X(OFXString, dateUserString, DateUserString)         \
+  X(OFXDate, dateUser, DateUser)                       \
+  X(OFXString, reference, Reference)                   \
+  X(OFXString, bankAccountTo, BankAccountTo)           \
+  X(OFXString, subAccountSecurity, SubAccountSecurity) \
+  X(OFXString, subAccountFund, SubAccountFund)         \
+  X(OFXString, categoryString, CategoryString)         \
+  X(OFXString, dateSettleString, DateSettleString)     \
+  X(OFXDate, dateSettle, DateSettle)                   \
+  X(OFXString, importLIDString, ImportLIDString)       \
+  X(int64_t, importLID, ImportLID)                     \
   X(OFXString, acctSID, AcctSID)
 
 // One statement transaction (STMTTRN), and the base of the investment transactions. The amount is
@@ -75,16 +75,16 @@ class OFXPayeeTransaction : public OFXTransactionBase {
   LEDGEON_OFX_CLASS(OFXPayeeTransaction, LEDGEON_OFXPAYEETRANSACTION_PROPERTIES)
 };
 
-#define LEDGEON_OFXTRANSFERINFO_PROPERTIES(X)    \
-  X(OFXString, fromBankID, FromBankID)           \
-  X(OFXString, fromAcctID, FromAcctID)           \
-  X(OFXString, fromAcctType, FromAcctType)       \
-  X(OFXString, toBankID, ToBankID)               \
-  X(OFXString, toAcctID, ToAcctID)               \
-  X(OFXString, toAcctType, ToAcctType)           \
-  X(OFXString, amountString, AmountString)       \
-  X(Amount, amount, Amount)                      \
-  X(OFXString, dateDueString, DateDueString)     \
+#define LEDGEON_OFXTRANSFERINFO_PROPERTIES(X) \
+  X(OFXString, fromBankID, FromBankID)        \
+  X(OFXString, fromAcctID, FromAcctID)        \
+  X(OFXString, fromAcctType, FromAcctType)    \
+  X(OFXString, toBankID, ToBankID)            \
+  X(OFXString, toAcctID, ToAcctID)            \
+  X(OFXString, toAcctType, ToAcctType)        \
+  X(OFXString, amountString, AmountString)    \
+  X(Amount, amount, Amount)                   \
+  X(OFXString, dateDueString, DateDueString)  \
   X(OFXDate, dateDue, DateDue)
 
 // The XFERINFO aggregate of an intra-bank transfer.
@@ -93,12 +93,12 @@ class OFXTransferInfo : public OFXTransactionBase {
   void fixupData() override;
 };
 
-#define LEDGEON_OFXTRANSFERRESPONSE_PROPERTIES(X)                 \
-  X(OFXString, currency, Currency)                                \
-  X(OFXString, serverTransID, ServerTransID)                      \
-  X(OFXRef<OFXTransferInfo>, transferInfo, TransferInfo)          \
-  X(OFXString, dateProjectedString, DateProjectedString)          \
-  X(OFXString, dateProcessedString, DateProcessedString)          \
+#define LEDGEON_OFXTRANSFERRESPONSE_PROPERTIES(X)        \
+  X(OFXString, currency, Currency)                       \
+  X(OFXString, serverTransID, ServerTransID)             \
+  X(OFXRef<OFXTransferInfo>, transferInfo, TransferInfo) \
+  X(OFXString, dateProjectedString, DateProjectedString) \
+  X(OFXString, dateProcessedString, DateProcessedString) \
   X(OFXDate, dateProcessed, DateProcessed)
 
 // INTRARS: the server's answer to a transfer request.
@@ -117,8 +117,7 @@ class OFXTransferTransaction : public OFXTransactionBase {
   void fixupData() override;
 };
 
-#define LEDGEON_OFXEMAILTRANSACTION_PROPERTIES(X) \
-  X(OFXRef<OFXEmailResponse>, response, Response)
+#define LEDGEON_OFXEMAILTRANSACTION_PROPERTIES(X) X(OFXRef<OFXEmailResponse>, response, Response)
 
 // An e-mail transaction response (MAILTRNRS, BANKMAILTRNRS, PMTMAILTRNRS).
 class OFXEmailTransaction : public OFXTransactionBase {

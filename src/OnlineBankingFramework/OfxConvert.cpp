@@ -120,7 +120,9 @@ void OfxConvert::trimLeadingPlusSigns() {
   text_ = std::move(out);
 }
 
-void OfxConvert::replaceXMLEntityReferences() { text_ = ledgeon::replaceXMLEntityReferences(text_); }
+void OfxConvert::replaceXMLEntityReferences() {
+  text_ = ledgeon::replaceXMLEntityReferences(text_);
+}
 
 void OfxConvert::insertEndTagsAndNewHeader() {
   const std::string_view text = text_;

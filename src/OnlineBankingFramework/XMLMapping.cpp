@@ -38,18 +38,27 @@ struct ResourceReader {
     for (size_t i = 0; attributes[i] != nullptr; i += 2) {
       const std::string_view key = attributes[i];
       std::string value = attributes[i + 1];
-      if (key == "name") entry.name = std::move(value);
-      else if (key == "rootName") entry.rootName = std::move(value);
-      else if (key == "ref") entry.ref = std::move(value);
-      else if (key == "type") entry.type = std::move(value);
-      else if (key == "class") entry.className = std::move(value);
-      else if (key == "format") entry.format = std::move(value);
+      if (key == "name")
+        entry.name = std::move(value);
+      else if (key == "rootName")
+        entry.rootName = std::move(value);
+      else if (key == "ref")
+        entry.ref = std::move(value);
+      else if (key == "type")
+        entry.type = std::move(value);
+      else if (key == "class")
+        entry.className = std::move(value);
+      else if (key == "format")
+        entry.format = std::move(value);
       else if (key == "default") {
         entry.defaultValue = std::move(value);
         entry.hasDefault = true;
-      } else if (key == "isList") entry.isList = mappingBoolValue(value);
-      else if (key == "xmlPath") entry.xmlPath = std::move(value);
-      else if (key == "objectPath") entry.objectPath = std::move(value);
+      } else if (key == "isList")
+        entry.isList = mappingBoolValue(value);
+      else if (key == "xmlPath")
+        entry.xmlPath = std::move(value);
+      else if (key == "objectPath")
+        entry.objectPath = std::move(value);
     }
     XMLMappingEntry* parent = nullptr;
     for (auto it = self->open.rbegin(); it != self->open.rend() && parent == nullptr; ++it) {
@@ -168,10 +177,10 @@ class Compiler {
     }
     const bool isObject =
         property->kind == OFXPropertyKind::Object || property->kind == OFXPropertyKind::List;
-    if (isObject != wantsObject || (entry.isList != (property->kind == OFXPropertyKind::List) &&
-                                    isObject)) {
-      fail(&entry, stringWithFormat("property %@ of %@ does not fit this mapping",
-                                    entry.objectPath, info->name));
+    if (isObject != wantsObject ||
+        (entry.isList != (property->kind == OFXPropertyKind::List) && isObject)) {
+      fail(&entry, stringWithFormat("property %@ of %@ does not fit this mapping", entry.objectPath,
+                                    info->name));
     }
     return property;
   }

@@ -108,11 +108,10 @@ class Unmarshaller {
     try {
       body();
     } catch (const OFXException& e) {
-      failure_ = std::make_exception_ptr(
-          OFXException(e.name(), stringWithFormat("%@ (%@, line %ld, column %ld)", e.reason(),
-                                                  currentPath(),
-                                                  static_cast<long>(XML_GetCurrentLineNumber(parser_)),
-                                                  static_cast<long>(XML_GetCurrentColumnNumber(parser_)))));
+      failure_ = std::make_exception_ptr(OFXException(
+          e.name(), stringWithFormat("%@ (%@, line %ld, column %ld)", e.reason(), currentPath(),
+                                     static_cast<long>(XML_GetCurrentLineNumber(parser_)),
+                                     static_cast<long>(XML_GetCurrentColumnNumber(parser_)))));
       XML_StopParser(parser_, XML_FALSE);
     } catch (...) {
       failure_ = std::current_exception();
@@ -142,9 +141,8 @@ class Unmarshaller {
 
   void assign(OFXObject& object, const Field& field, OFXMappedValue value) {
     if (!field.property->assign(object, std::move(value))) {
-      throw OFXException("InvalidValue",
-                         stringWithFormat("%@ cannot take the value of %@",
-                                          field.property->name, field.label));
+      throw OFXException("InvalidValue", stringWithFormat("%@ cannot take the value of %@",
+                                                          field.property->name, field.label));
     }
   }
 
@@ -155,8 +153,8 @@ class Unmarshaller {
         throw OFXException("XMLParseError",
                            stringWithFormat("the document element is %@, not %@", tag, rootName_));
       }
-      frames_.push_back({Frame::Kind::Path, &root_.root, nullptr, openObject(root_, nullptr, 0),
-                         true});
+      frames_.push_back(
+          {Frame::Kind::Path, &root_.root, nullptr, openObject(root_, nullptr, 0), true});
       return;
     }
     const Frame top = frames_.back();

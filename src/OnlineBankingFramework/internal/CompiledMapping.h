@@ -20,8 +20,8 @@ struct Field {
   std::string defaultValue;
   bool hasDefault = false;
   const OFXPropertyDescriptor* property = nullptr;  // null: the value has no target
-  int defaultIndex = -1;                             // position among the object's defaults
-  std::shared_ptr<CompiledObject> object;            // Object with a class
+  int defaultIndex = -1;                            // position among the object's defaults
+  std::shared_ptr<CompiledObject> object;           // Object with a class
   std::vector<std::pair<std::string, std::shared_ptr<CompiledObject>>> cases;  // Switch
 };
 
@@ -41,8 +41,8 @@ struct CompiledObject {
   const OFXClassInfo* classInfo = nullptr;
   std::string label;
   PathNode root;
-  std::vector<Field> constants;              // set when the object is made
-  std::vector<Field> defaultedFields;         // copies, by defaultIndex
+  std::vector<Field> constants;        // set when the object is made
+  std::vector<Field> defaultedFields;  // copies, by defaultIndex
 };
 
 }  // namespace ledgeon::xml_mapping_detail
