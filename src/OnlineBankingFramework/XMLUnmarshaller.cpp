@@ -207,7 +207,6 @@ class Unmarshaller {
   void endElement() {
     const Frame frame = frames_.back();
     frames_.pop_back();
-    tags_.pop_back();
     if (frame.kind == Frame::Kind::Scalar) {
       ObjectState& state = objects_[frame.objectIndex];
       std::string value = restoreStandardXMLEntities(text_);
@@ -220,9 +219,10 @@ class Unmarshaller {
       }
       assign(*state.object, *frame.field, scalarValue(*frame.field, value));
       markDefault(state, *frame.field);
-      return;
+    } else if (frame.opensObject) {
+      closeObject(frame.objectIndex);
     }
-    if (frame.opensObject) closeObject(frame.objectIndex);
+    tags_.pop_back();
   }
 
   void closeObject(size_t index) {
