@@ -100,7 +100,7 @@ Amount Amount::safeDecimalNumberWithValue(std::string_view text) {
   return safeDecimalNumberWithString(text);
 }
 
-ComparisonResult Amount::compare(const Amount& other) const noexcept {
+ComparisonResult Amount::compareGeneral(const Amount& other) const noexcept {
   if (nan_ || other.nan_) {
     if (nan_ && other.nan_) return ComparisonResult::Same;
     return nan_ ? ComparisonResult::Ascending : ComparisonResult::Descending;
@@ -111,6 +111,11 @@ ComparisonResult Amount::compare(const Amount& other) const noexcept {
     return leftSign < rightSign ? ComparisonResult::Ascending : ComparisonResult::Descending;
   }
   if (leftSign == 0) return ComparisonResult::Same;
+  if (exponent_ == other.exponent_) {
+    if (mantissa_ == other.mantissa_) return ComparisonResult::Same;
+    return (mantissa_ < other.mantissa_) == (leftSign > 0) ? ComparisonResult::Ascending
+                                                           : ComparisonResult::Descending;
+  }
   // Same sign: compare magnitudes, by order of magnitude first, then by aligned mantissas.
   int magnitude = 0;
   const int leftOrder = K::digits(mantissa_) + exponent_;

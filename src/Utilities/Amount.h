@@ -137,6 +137,18 @@ class Amount final {
 
  private:
   friend struct AmountKernel;
+  friend class LArithmetic;  // sums in place on its hot path
+  static constexpr UInt128 kMantissaLimit =
+      UInt128{10000000000000000000ULL} * UInt128{10000000000000000000ULL};  // 10^38
+
+  // The general cases of the inline operations below.
+  static Calculation addGeneral(const Amount& a, const Amount& b, RoundingMode mode,
+                                bool negateB) noexcept;
+  static Calculation multiplyGeneral(const Amount& a, const Amount& b, RoundingMode mode) noexcept;
+  ComparisonResult compareGeneral(const Amount& other) const noexcept;
+  // Sums two values with the same exponent that are neither NaN; false when it needs rounding.
+  static bool addAligned(const Amount& a, const Amount& b, bool negateB, Amount& sum) noexcept;
+
   constexpr Amount(UInt128 mantissa, int8_t exponent, bool negative, bool nan) noexcept
       : mantissa_(mantissa), exponent_(exponent), negative_(negative), nan_(nan) {}
 
@@ -151,5 +163,74 @@ struct Calculation {
   Amount value;
   CalculationError error = CalculationError::NoError;
 };
+
+// The hot paths, inline: values with the same exponent (amounts in one currency) add and compare
+// without leaving registers, and small mantissas multiply in one instruction.
+inline bool Amount::addAligned(const Amount& a, const Amount& b, bool negateB,
+                               Amount& sum) noexcept {
+  // Branch-free: signs and relative sizes of money amounts are as good as random.
+  if (((a.mantissa_ | b.mantissa_) >> 62) == 0) {  // everyday amounts: 64-bit registers suffice
+    const auto aFlip = -static_cast<int64_t>(a.negative_);
+    const auto bFlip = -static_cast<int64_t>(b.negative_ != negateB);
+    const int64_t total = ((static_cast<int64_t>(a.mantissa_) ^ aFlip) - aFlip) +
+                          ((static_cast<int64_t>(b.mantissa_) ^ bFlip) - bFlip);
+    const int64_t totalFlip = total >> 63;
+    const auto magnitude = static_cast<uint64_t>((total ^ totalFlip) - totalFlip);
+    sum = Amount(magnitude, static_cast<int8_t>(a.exponent_ * (magnitude != 0)), total < 0, false);
+    return true;
+  }
+  const bool same = a.negative_ == (b.negative_ != negateB);
+  const bool aSmaller = a.mantissa_ < b.mantissa_;
+  const UInt128 flip = UInt128{0} - UInt128{aSmaller};
+  const UInt128 difference = ((a.mantissa_ - b.mantissa_) ^ flip) - flip;
+  const UInt128 keepSum = UInt128{0} - UInt128{same};
+  const UInt128 magnitude = ((a.mantissa_ + b.mantissa_) & keepSum) | (difference & ~keepSum);
+  if (magnitude >= kMantissaLimit) return false;
+  const bool nonZero = magnitude != 0;
+  sum = Amount(magnitude, static_cast<int8_t>(a.exponent_ * nonZero),
+               (a.negative_ != (!same && aSmaller)) && nonZero, false);
+  return true;
+}
+
+inline Calculation Amount::add(const Amount& a, const Amount& b, RoundingMode mode) noexcept {
+  Calculation result;
+  if (!a.nan_ && !b.nan_ && a.exponent_ == b.exponent_ && addAligned(a, b, false, result.value)) {
+    return result;
+  }
+  return addGeneral(a, b, mode, false);
+}
+
+inline Calculation Amount::subtract(const Amount& a, const Amount& b, RoundingMode mode) noexcept {
+  Calculation result;
+  if (!a.nan_ && !b.nan_ && a.exponent_ == b.exponent_ && addAligned(a, b, true, result.value)) {
+    return result;
+  }
+  return addGeneral(a, b, mode, true);
+}
+
+inline Calculation Amount::multiply(const Amount& a, const Amount& b, RoundingMode mode) noexcept {
+  const int exponent = a.exponent_ + b.exponent_;
+  if (!a.nan_ && !b.nan_ && (a.mantissa_ >> 64) == 0 && (b.mantissa_ >> 64) == 0 &&
+      exponent >= kMinExponent && exponent <= kMaxExponent) {
+    const UInt128 product = a.mantissa_ * b.mantissa_;
+    if (product < kMantissaLimit) {
+      return {Amount(product, static_cast<int8_t>(product == 0 ? 0 : exponent),
+                     product != 0 && a.negative_ != b.negative_, false),
+              CalculationError::NoError};
+    }
+  }
+  return multiplyGeneral(a, b, mode);
+}
+
+inline ComparisonResult Amount::compare(const Amount& other) const noexcept {
+  if (!nan_ && !other.nan_ && exponent_ == other.exponent_) {
+    // Zero is never negative, so the signs alone order values of opposite signs.
+    const int magnitude = static_cast<int>(mantissa_ > other.mantissa_) -
+                          static_cast<int>(mantissa_ < other.mantissa_);
+    const int sign = negative_ ? -1 : 1;
+    return static_cast<ComparisonResult>(negative_ == other.negative_ ? sign * magnitude : sign);
+  }
+  return compareGeneral(other);
+}
 
 }  // namespace ledgeon

@@ -28,6 +28,15 @@ Calculation addMagnitudes(UInt128 ma, int ea, bool na, UInt128 mb, int eb, bool 
                           RoundingMode mode) noexcept {
   if (mb == 0) return {K::make(ma, ea, na), CalculationError::NoError};
   if (ma == 0) return {K::make(mb, eb, nb), CalculationError::NoError};
+  if (ea == eb) {  // the usual case: amounts in the same currency
+    if (na != nb) {
+      return ma >= mb ? Calculation{K::make(ma - mb, ea, na), CalculationError::NoError}
+                      : Calculation{K::make(mb - ma, ea, nb), CalculationError::NoError};
+    }
+    const UInt128 sum = ma + mb;
+    if (sum < kMantissaLimit) return {K::make(sum, ea, na), CalculationError::NoError};
+    return K::finish(UInt256{0, sum}, ea, na, mode, false);
+  }
   if (ea < eb) {
     std::swap(ma, mb);
     std::swap(ea, eb);
@@ -85,19 +94,14 @@ unsigned nextQuotientDigit(UInt128& remainder, UInt128 divisor) noexcept {
 
 }  // namespace
 
-Calculation Amount::add(const Amount& a, const Amount& b, RoundingMode mode) noexcept {
-  if (a.nan_ || b.nan_) return kNaNResult;
-  return addMagnitudes(a.mantissa_, a.exponent_, a.negative_, b.mantissa_, b.exponent_, b.negative_,
-                       mode);
-}
-
-Calculation Amount::subtract(const Amount& a, const Amount& b, RoundingMode mode) noexcept {
+Calculation Amount::addGeneral(const Amount& a, const Amount& b, RoundingMode mode,
+                               bool negateB) noexcept {
   if (a.nan_ || b.nan_) return kNaNResult;
   return addMagnitudes(a.mantissa_, a.exponent_, a.negative_, b.mantissa_, b.exponent_,
-                       !b.negative_, mode);
+                       b.negative_ != negateB, mode);
 }
 
-Calculation Amount::multiply(const Amount& a, const Amount& b, RoundingMode mode) noexcept {
+Calculation Amount::multiplyGeneral(const Amount& a, const Amount& b, RoundingMode mode) noexcept {
   if (a.nan_ || b.nan_) return kNaNResult;
   if (a.mantissa_ == 0 || b.mantissa_ == 0) return {Amount(), CalculationError::NoError};
   const int exponent = a.exponent_ + b.exponent_;
@@ -119,7 +123,7 @@ Calculation Amount::divide(const Amount& a, const Amount& b, RoundingMode mode) 
   const UInt128 divisor = b.mantissa_;
   int exponent = a.exponent_ - b.exponent_;
   UInt128 quotient = a.mantissa_ / divisor;
-  UInt128 remainder = a.mantissa_ % divisor;
+  UInt128 remainder = a.mantissa_ - quotient * divisor;
   if (remainder == 0 && exponent >= kMinExponent && exponent <= kMaxExponent) {
     return {K::make(quotient, exponent, negative), CalculationError::NoError};
   }
@@ -137,21 +141,32 @@ Calculation Amount::divide(const Amount& a, const Amount& b, RoundingMode mode) 
     step = std::min(step, digitsPerStep);
     const UInt128 scale = kPowersOf10[static_cast<size_t>(step)];
     const UInt128 scaled = remainder * scale;
-    quotient = quotient * scale + scaled / divisor;
-    remainder = scaled % divisor;
+    const UInt128 digits = scaled / divisor;
+    quotient = quotient * scale + digits;
+    remainder = scaled - digits * divisor;
     exponent -= step;
   }
   // What is left of the remainder decides the rounding: below, at or above half a unit.
-  unsigned guard = 0;
-  bool sticky = false;
-  if (remainder != 0) {
-    const UInt128 rest = divisor - remainder;
-    guard = remainder > rest ? 6 : remainder == rest ? 5 : 0;
-    sticky = remainder != rest;
+  const UInt128 rest = divisor - remainder;
+  const unsigned guard = remainder == 0 ? 0 : remainder > rest ? 6 : remainder == rest ? 5 : 0;
+  const bool sticky = remainder != 0 && remainder != rest;
+  if (exponent < kMinExponent) {  // too small from the start: let the general rounding decide
+    const UInt256 widened = addWide(multiplyWide(quotient, 10), UInt256{0, guard});
+    return K::finish(widened, exponent - 1, negative, mode, sticky);
   }
-  UInt256 widened = multiplyWide(quotient, 10);
-  widened = addWide(widened, UInt256{0, guard});
-  return K::finish(widened, exponent - 1, negative, mode, sticky);
+  if (remainder == 0) {
+    if (exponent > kMaxExponent) return {K::nan(), CalculationError::Overflow};
+    return {K::make(quotient, exponent, negative), CalculationError::NoError};
+  }
+  if (K::roundsAway(mode, negative, guard, sticky, (quotient & 1) != 0)) {
+    if (++quotient == kMantissaLimit) {
+      quotient = kPowersOf10[37];
+      ++exponent;
+    }
+  }
+  if (quotient == 0) return {K::nan(), CalculationError::Underflow};
+  if (exponent > kMaxExponent) return {K::nan(), CalculationError::Overflow};
+  return {K::make(quotient, exponent, negative), CalculationError::LossOfPrecision};
 }
 
 Calculation Amount::power(const Amount& a, unsigned exponent, RoundingMode mode) noexcept {
@@ -208,11 +223,31 @@ Calculation Amount::roundToScale(const Amount& a, int scale, RoundingMode mode) 
   if (a.mantissa_ == 0) return {Amount(), CalculationError::NoError};
   const int target = clampExponent(-static_cast<int64_t>(scale));
   if (a.exponent_ >= target) return {a, CalculationError::NoError};
-  UInt256 n{0, a.mantissa_};
+  const int drop = target - a.exponent_;
+  UInt128 mantissa = 0;
   unsigned guard = 0;
   bool sticky = false;
-  K::dropDigits(n, target - a.exponent_, guard, sticky);
-  UInt128 mantissa = n.lo;
+  if (drop <= 38) {
+    // The dropped part, compared with half a unit, is all the rounding needs.
+    const UInt128 unit = kPowersOf10[static_cast<size_t>(drop)];
+    UInt128 rest = 0;
+    if (a.mantissa_ >> 64 == 0 && unit >> 64 == 0) {
+      const auto m = static_cast<uint64_t>(a.mantissa_);
+      const auto u = static_cast<uint64_t>(unit);
+      mantissa = m / u;
+      rest = m - static_cast<uint64_t>(mantissa) * u;
+    } else {
+      mantissa = a.mantissa_ / unit;
+      rest = a.mantissa_ - mantissa * unit;
+    }
+    if (rest != 0) {
+      const UInt128 other = unit - rest;
+      guard = rest > other ? 6 : rest == other ? 5 : 0;
+      sticky = rest != other;
+    }
+  } else {
+    sticky = true;  // every digit goes, and the first of them is a leading zero
+  }
   if (K::roundsAway(mode, a.negative_, guard, sticky, (mantissa & 1) != 0)) ++mantissa;
   if (mantissa == 0) return {Amount(), CalculationError::NoError};
   int exponent = target;

@@ -27,20 +27,18 @@ LocaleSymbols symbolsFor(std::string_view localeIdentifier) {
   static std::map<std::string, LocaleSymbols, std::less<>> cache;
   std::lock_guard lock(mutex);
   if (auto found = cache.find(localeIdentifier); found != cache.end()) return found->second;
-  LocaleSymbols symbols{".", "-"};
+  LocaleSymbols symbols;
   UErrorCode status = U_ZERO_ERROR;
   const icu::Locale locale(std::string(localeIdentifier).c_str());
   const icu::DecimalFormatSymbols icuSymbols(locale, status);
   if (U_SUCCESS(status)) {
-    symbols.decimalSeparator.clear();
-    symbols.minusSign.clear();
     icuSymbols.getSymbol(icu::DecimalFormatSymbols::kDecimalSeparatorSymbol)
         .toUTF8String(symbols.decimalSeparator);
     icuSymbols.getSymbol(icu::DecimalFormatSymbols::kMinusSignSymbol)
         .toUTF8String(symbols.minusSign);
-    if (symbols.decimalSeparator.empty()) symbols.decimalSeparator = ".";
-    if (symbols.minusSign.empty()) symbols.minusSign = "-";
   }
+  if (symbols.decimalSeparator.empty()) symbols.decimalSeparator.push_back('.');
+  if (symbols.minusSign.empty()) symbols.minusSign.push_back('-');
   cache.emplace(std::string(localeIdentifier), symbols);
   return symbols;
 }

@@ -10,9 +10,6 @@ namespace ledgeon {
 
 namespace {
 
-// Digits beyond 38 inside the accumulator always go half to even, so long sums do not drift.
-constexpr RoundingMode kArithmeticMode = RoundingMode::Bankers;
-
 constexpr char kErrorLog[] = "%@ %@ leftOperand = %@, rightOperand = %@";
 constexpr char kInvalidParameter[] = "Invalid parameter not satisfying: %@";
 
@@ -71,31 +68,12 @@ std::string LArithmetic::errorName(CalculationError error) {
   }
 }
 
-void LArithmetic::apply(const Calculation& result, std::string_view operation, const Amount& left,
-                        const Amount& right) {
-  value_ = result.value;
-  if (result.error == CalculationError::NoError ||
-      result.error == CalculationError::LossOfPrecision) {
-    return;  // 38-digit values lose digits all the time; that is expected
+void LArithmetic::logCalculationError(CalculationError error, std::string_view operation,
+                                      const Amount& left, const Amount& right) noexcept {
+  try {
+    LLog(kErrorLog, errorName(error), operation, left.stringValue(), right.stringValue());
+  } catch (...) {  // out of memory while logging: the calculation itself has been done
   }
-  LLog(kErrorLog, errorName(result.error), operation, left.stringValue(), right.stringValue());
-}
-
-void LArithmetic::addDecimalValue(const Amount& operand) {
-  const Amount left = value_;
-  apply(Amount::add(left, operand, kArithmeticMode), "add", left, operand);
-}
-void LArithmetic::subtractDecimalValue(const Amount& operand) {
-  const Amount left = value_;
-  apply(Amount::subtract(left, operand, kArithmeticMode), "subtract", left, operand);
-}
-void LArithmetic::multiplyByDecimalValue(const Amount& operand) {
-  const Amount left = value_;
-  apply(Amount::multiply(left, operand, kArithmeticMode), "multiply", left, operand);
-}
-void LArithmetic::divideByDecimalValue(const Amount& operand) {
-  const Amount left = value_;
-  apply(Amount::divide(left, operand, kArithmeticMode), "divide", left, operand);
 }
 
 void LArithmetic::addNumber(const Number& operand) { addDecimalValue(operand.decimalValue()); }
@@ -122,9 +100,7 @@ void LArithmetic::divideByDecimal(const std::optional<Amount>& operand) {
 }
 
 void LArithmetic::raiseToPower(unsigned power) {
-  const Amount left = value_;
-  apply(Amount::power(left, power, kArithmeticMode), "raiseToPower", left,
-        Amount::fromUInt64(power));
+  apply(Amount::power(value_, power, kArithmeticMode), "raiseToPower", Amount::fromUInt64(power));
 }
 
 void LArithmetic::addProductOfNumber(const Number& a, const Number& b) {

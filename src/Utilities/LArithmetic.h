@@ -75,16 +75,32 @@ class LArithmetic final {
   // Arithmetic.
   void addNumber(const Number& operand);
   void addDecimal(const std::optional<Amount>& operand);
-  void addDecimalValue(const Amount& operand);
+  void addDecimalValue(const Amount& operand) noexcept {
+    if (!value_.nan_ && !operand.nan_ && value_.exponent_ == operand.exponent_ &&
+        Amount::addAligned(value_, operand, false, value_)) {
+      return;  // a running total in one currency: summed in place
+    }
+    apply(Amount::add(value_, operand, kArithmeticMode), "add", operand);
+  }
   void subtractNumber(const Number& operand);
   void subtractDecimal(const std::optional<Amount>& operand);
-  void subtractDecimalValue(const Amount& operand);
+  void subtractDecimalValue(const Amount& operand) noexcept {
+    if (!value_.nan_ && !operand.nan_ && value_.exponent_ == operand.exponent_ &&
+        Amount::addAligned(value_, operand, true, value_)) {
+      return;
+    }
+    apply(Amount::subtract(value_, operand, kArithmeticMode), "subtract", operand);
+  }
   void multiplyByNumber(const Number& operand);
   void multiplyByDecimal(const std::optional<Amount>& operand);
-  void multiplyByDecimalValue(const Amount& operand);
+  void multiplyByDecimalValue(const Amount& operand) noexcept {
+    apply(Amount::multiply(value_, operand, kArithmeticMode), "multiply", operand);
+  }
   void divideByNumber(const Number& operand);
   void divideByDecimal(const std::optional<Amount>& operand);
-  void divideByDecimalValue(const Amount& operand);
+  void divideByDecimalValue(const Amount& operand) noexcept {
+    apply(Amount::divide(value_, operand, kArithmeticMode), "divide", operand);
+  }
   void raiseToPower(unsigned power);
   void addProductOfNumber(const Number& a, const Number& b);  // adds a x b
   void multiplyByNegativeOne() noexcept;
@@ -130,8 +146,20 @@ class LArithmetic final {
   static std::string errorName(CalculationError error);
 
  private:
-  void apply(const Calculation& result, std::string_view operation, const Amount& left,
-             const Amount& right);
+  // Digits beyond 38 inside the accumulator always go half to even, so long sums do not drift.
+  static constexpr RoundingMode kArithmeticMode = RoundingMode::Bankers;
+
+  // Logs a calculation error with the operands, then keeps whatever the operation left.
+  void apply(const Calculation& result, std::string_view operation, const Amount& right) noexcept {
+    // 38-digit values lose digits all the time: that is expected and silent.
+    if (result.error != CalculationError::NoError &&
+        result.error != CalculationError::LossOfPrecision) {
+      logCalculationError(result.error, operation, value_, right);
+    }
+    value_ = result.value;
+  }
+  [[gnu::cold]] static void logCalculationError(CalculationError error, std::string_view operation,
+                                                const Amount& left, const Amount& right) noexcept;
 
   Amount value_;
 };

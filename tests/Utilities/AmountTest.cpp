@@ -107,7 +107,7 @@ TEST(AmountTest, ReportsCalculationErrors) {
   struct Case {
     Calculation got;
     CalculationError error;
-    std::string_view value;
+    std::string value;
   };
   const Case cases[] = {
       {Amount::divide(A("1"), Amount::zero(), RoundingMode::Plain), CalculationError::DivideByZero,
@@ -128,6 +128,12 @@ TEST(AmountTest, ReportsCalculationErrors) {
        "100000000000000000000000000000000000010000000000000"},
       {Amount::subtract(A("1e50"), A("1e-50"), RoundingMode::Down),
        CalculationError::LossOfPrecision, "99999999999999999999999999999999999999000000000000"},
+      {Amount::divide(A("1e-100"), A("1e100"), RoundingMode::Plain), CalculationError::Underflow,
+       "NaN"},
+      {Amount::divide(A("1e-100"), A("1e27"), RoundingMode::Plain), CalculationError::NoError,
+       "0." + std::string(126, '0') + "1"},
+      {Amount::divide(A("1e100"), A("1e-100"), RoundingMode::Plain), CalculationError::Overflow,
+       "NaN"},
       {Amount::multiply(A("1.1"), A("1.1"), RoundingMode::Plain), CalculationError::NoError,
        "1.21"},
       {Amount::power(A("2"), 127, RoundingMode::Plain), CalculationError::LossOfPrecision,

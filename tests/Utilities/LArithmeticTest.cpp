@@ -31,6 +31,22 @@ TEST(LArithmeticTest, AccumulatesInEveryOperandFlavour) {
   EXPECT_EQ(power.decimalNumber(), A("-27"));
 }
 
+TEST(LArithmeticTest, KeepsARunningTotalInOneCurrency) {
+  const std::pair<std::string_view, std::string_view> steps[] = {
+      {"10.00", "10"},  {"-25.50", "-15.5"}, {"15.50", "0"},
+      {"0.01", "0.01"}, {"-0.02", "-0.01"},  {"99999999999999999.99", "99999999999999999.98"},
+  };
+  LArithmetic total;
+  for (const auto& [step, expected] : steps) {
+    total.addDecimalValue(A(step));
+    EXPECT_EQ(total.description(), expected) << "after adding " << step;
+  }
+  total.subtractDecimalValue(A("99999999999999999.98"));
+  EXPECT_TRUE(total.isZero());
+  EXPECT_FALSE(total.isLessThanZero());
+  EXPECT_EQ(total.decimalValue().exponent(), 0);
+}
+
 TEST(LArithmeticTest, DivisionThatLosesDigitsRoundsHalfToEven) {
   // Each quotient has 39 digits ending in a tie (...0.5, ...1.5): plain rounding would go away
   // from zero, the accumulator goes to the even neighbour.
