@@ -4,13 +4,13 @@
 #include <cmath>
 #include <cstdlib>
 #include <memory>
+#include <stdexcept>
 
-#include <unicode/locid.h>
-#include <unicode/smpdtfmt.h>
 #include <unicode/timezone.h>
 #include <unicode/unistr.h>
 
 #include "Utilities/Clock.h"
+#include "Utilities/DateFormatter.h"
 #include "Utilities/StringWithFormat.h"
 
 namespace ledgeon {
@@ -26,26 +26,17 @@ std::string toUTF8(const icu::UnicodeString& text) {
 }
 
 std::string formatInZone(Date date, const icu::TimeZone& zone) {
+  icu::UnicodeString zoneID;
+  zone.getID(zoneID);
+  const std::string identifier = toUTF8(zoneID);
+  const DateFormatter formatter("yyyyMMddHHmmss.SSS", "en_US_POSIX", identifier);
+  const DateFormatter abbreviation("zzz", "en_US_POSIX", identifier);
   UErrorCode status = U_ZERO_ERROR;
-  icu::SimpleDateFormat formatter(icu::UnicodeString("yyyyMMddHHmmss.SSS"),
-                                  icu::Locale("en_US_POSIX"), status);
-  if (U_FAILURE(status)) return {};
-  formatter.setTimeZone(zone);
-  const UDate when = date.unixTime() * kMillisecondsPerSecond;
-  icu::UnicodeString text;
-  formatter.format(when, text);
-
   int32_t rawOffset = 0;
   int32_t dstOffset = 0;
-  zone.getOffset(when, false, rawOffset, dstOffset, status);
-  icu::UnicodeString abbreviation;
-  icu::SimpleDateFormat zoneFormatter(icu::UnicodeString("zzz"), icu::Locale("en_US_POSIX"),
-                                      status);
-  if (U_SUCCESS(status)) {
-    zoneFormatter.setTimeZone(zone);
-    zoneFormatter.format(when, abbreviation);
-  }
-  return toUTF8(text) + OFXDates::zoneSuffix((rawOffset + dstOffset) / 1000, toUTF8(abbreviation));
+  zone.getOffset(date.unixTime() * kMillisecondsPerSecond, false, rawOffset, dstOffset, status);
+  return formatter.stringFromDate(date) +
+         OFXDates::zoneSuffix((rawOffset + dstOffset) / 1000, abbreviation.stringFromDate(date));
 }
 
 int64_t daysFromCivil(int64_t year, unsigned month, unsigned day) {
@@ -151,21 +142,11 @@ std::optional<Date> OFXDates::dateFromOFXString(std::string_view raw) {
 }
 
 std::optional<Date> OFXDates::dateFromPattern(std::string_view text, std::string_view pattern) {
-  UErrorCode status = U_ZERO_ERROR;
-  icu::SimpleDateFormat formatter(icu::UnicodeString::fromUTF8(icu::StringPiece(
-                                      pattern.data(), static_cast<int32_t>(pattern.size()))),
-                                  icu::Locale("en_US_POSIX"), status);
-  if (U_FAILURE(status)) return std::nullopt;
-  formatter.setLenient(false);
-  formatter.adoptTimeZone(icu::TimeZone::createTimeZone("GMT"));
-  icu::ParsePosition parsePosition(0);
-  const icu::UnicodeString input = icu::UnicodeString::fromUTF8(
-      icu::StringPiece(text.data(), static_cast<int32_t>(text.size())));
-  const UDate when = formatter.parse(input, parsePosition);
-  if (parsePosition.getErrorIndex() >= 0 || parsePosition.getIndex() != input.length()) {
+  try {
+    return DateFormatter(pattern).dateFromString(text);
+  } catch (const std::invalid_argument&) {
     return std::nullopt;
   }
-  return Date::fromUnixTime(when / kMillisecondsPerSecond);
 }
 
 std::optional<Date> OFXDates::dateFromXMLString(std::string_view raw) {
@@ -177,15 +158,8 @@ std::optional<Date> OFXDates::dateFromXMLString(std::string_view raw) {
     text.pop_back();
     text += "GMT";
   }
-  UErrorCode status = U_ZERO_ERROR;
-  icu::SimpleDateFormat formatter(icu::UnicodeString("yyyy-MM-dd'T'HHmmss.SSSZZZ"),
-                                  icu::Locale("en_US"), status);
-  if (U_FAILURE(status)) return std::nullopt;
-  icu::ParsePosition parsePosition(0);
-  const icu::UnicodeString input = icu::UnicodeString::fromUTF8(text);
-  const UDate when = formatter.parse(input, parsePosition);
-  if (parsePosition.getErrorIndex() >= 0 || parsePosition.getIndex() == 0) return std::nullopt;
-  return Date::fromUnixTime(when / kMillisecondsPerSecond);
+  static thread_local const DateFormatter formatter("yyyy-MM-dd'T'HHmmss.SSSZZZ", "en_US");
+  return formatter.dateFromString(text);
 }
 
 }  // namespace ledgeon
