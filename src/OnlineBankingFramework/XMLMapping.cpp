@@ -245,7 +245,8 @@ class Compiler {
         field.property = propertyFor(entry, info, false);
         break;
     }
-    if (field.hasDefault) {
+    // A constant's "default" is its value, not a stand-in for a missing element.
+    if (field.hasDefault && field.type != XMLMappingType::Constant) {
       field.defaultIndex = static_cast<int>(object.defaultedFields.size());
       object.defaultedFields.push_back(field);
     }

@@ -119,3 +119,18 @@ TEST(XMLMappingTest, ShippedMappingsCompile) {
 
 }  // namespace
 }  // namespace ledgeon
+
+namespace ledgeon {
+namespace {
+
+// Regression: a constant on an element was also applied as a default when the element was
+// missing, so every bank statement claimed to be an investment response. Constants now only
+// apply when their element occurs.
+TEST(XMLMappingTest, ConstantsApplyOnlyWhenTheirElementOccurs) {
+  auto mapping = XMLMapping::fromText(kMapping, "R", "test");
+  auto object = mapping->unmarshal("<R><H><ORG>A</ORG></H></R>");
+  EXPECT_FALSE(dynamic_cast<OFXRoot&>(*object).investmentOFX());
+}
+
+}  // namespace
+}  // namespace ledgeon
