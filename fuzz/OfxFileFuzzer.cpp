@@ -3,7 +3,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
-#include <string_view>
+#include <string>
 
 #include "OnlineBankingFramework/OFXRootController.h"
 
@@ -14,7 +14,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   if (size > kMaxInput) return 0;
   ledgeon::OFXRootController controller;
   const bool ok =
-      controller.openOFXData(std::string_view(reinterpret_cast<const char*>(data), size), false);
+      controller.openOFXData(std::string(reinterpret_cast<const char*>(data), size), false);
   if (!ok && controller.statusMessage().empty()) std::abort();
   controller.root().setRunningBalances();
   (void)controller.root().toJSON().dump();

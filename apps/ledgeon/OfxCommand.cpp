@@ -31,7 +31,7 @@ nlohmann::json statusJSON(const OFXStatus& status) {
 
 nlohmann::json statementJSON(const OFXStatement& statement) {
   nlohmann::json json = statement.toJSON();
-  json["status"] = statusJSON(*statement.ofxStatus());
+  json["status"] = statusJSON(statement.ofxStatus());
   json["ledgerBalance"] = decimalText(statement.ledgerBalance());
   json["availableBalance"] = decimalText(statement.availableBalance());
   return json;
@@ -39,7 +39,7 @@ nlohmann::json statementJSON(const OFXStatement& statement) {
 
 nlohmann::json rootJSON(const OFXRoot& root) {
   nlohmann::json json = root.toJSON();
-  json["status"] = statusJSON(*root.ofxStatus());
+  json["status"] = statusJSON(root.ofxStatus());
   auto statements = nlohmann::json::array();
   for (const auto& statement : root.statements()) statements.push_back(statementJSON(*statement));
   json["statements"] = statements;
@@ -80,7 +80,7 @@ void printStatement(std::ostream& out, const OFXStatement& statement) {
 }
 
 void printRoot(std::ostream& out, const OFXRoot& root) {
-  const OFXStatus& status = *root.ofxStatus();
+  const OFXStatus& status = root.ofxStatus();
   out << fmt::format("Institution: {} (FID {}, BID {})\n", root.org(), root.fid(), root.bid());
   out << fmt::format("Status: {} {} {}\n", status.errorCode(), status.severity(), status.message());
   out << fmt::format("Statements: {}, transactions: {}\n", root.numberOfStatements(),

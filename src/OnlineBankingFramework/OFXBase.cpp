@@ -4,30 +4,27 @@
 
 namespace ledgeon {
 
-LEDGEON_OFX_DEFINE_CLASS(OFXBase, OFXObject, LEDGEON_OFXBASE_PROPERTIES)
+const OFXClassInfo& OFXBase::staticClassInfo() {
+  static const OFXClassInfo info = ofx_detail::makeClassInfo<OFXBase, OFXObject>(
+      "OFXBase", {ofx_detail::makeProperty("ofxStatus", &OFXBase::ofxStatus_),
+                  ofx_detail::makeProperty("ofxStatusSignon", &OFXBase::ofxStatusSignon_),
+                  ofx_detail::makeProperty("ofxStatusPinChange", &OFXBase::ofxStatusPinChange_)});
+  return info;
+}
 
-OFXBase::OFXBase()
-    : ofxStatus_(std::make_unique<OFXStatus>()),
-      ofxStatusSignon_(std::make_unique<OFXStatus>()),
-      ofxStatusPinChange_(std::make_unique<OFXStatus>()) {}
-
-int64_t OFXBase::statusResult() const { return ofxStatus_ ? ofxStatus_->errorCode() : 0; }
+const OFXStatus& OFXBase::successStatus() {
+  static const OFXStatus success;
+  return success;
+}
 
 bool OFXBase::signonError() const {
-  return ofxStatusSignon_ && ofxStatusSignon_->errorCode() != 0 &&
-         strcasecmp(ofxStatusSignon_->severity().c_str(), "ERROR") == 0;
+  return ofxStatusSignon().errorCode() != 0 &&
+         strcasecmp(ofxStatusSignon().severity().c_str(), "ERROR") == 0;
 }
 
 void OFXBase::bubbleUpOFXError(const OFXBase* child) {
-  if (child == nullptr || !child->ofxStatus_ || child->ofxStatus_->isSuccess()) return;
-  if (!ofxStatus_) ofxStatus_ = std::make_unique<OFXStatus>();
-  ofxStatus_->copyFrom(*child->ofxStatus_);
-}
-
-void OFXBase::postImportValidate() {
-  if (!ofxStatus_) ofxStatus_ = std::make_unique<OFXStatus>();
-  if (!ofxStatusSignon_) ofxStatusSignon_ = std::make_unique<OFXStatus>();
-  if (!ofxStatusPinChange_) ofxStatusPinChange_ = std::make_unique<OFXStatus>();
+  if (child == nullptr || child->ofxStatus().isSuccess()) return;
+  ofxStatus().copyFrom(child->ofxStatus());
 }
 
 }  // namespace ledgeon

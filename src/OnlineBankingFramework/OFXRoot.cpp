@@ -68,7 +68,7 @@ void OFXRoot::fixupData() {
 void OFXRoot::postImportValidate() {
   OFXBase::postImportValidate();
   if (!bid_.empty()) bid_ = stringWithFormat("%ld", integerValue(bid_));
-  if (ofxStatusSignon()->errorCode() != 0) ofxStatus()->copyFrom(*ofxStatusSignon());
+  if (ofxStatusSignon().errorCode() != 0) ofxStatus().copyFrom(ofxStatusSignon());
   validateAndBubble(*this, statements_);
   validateAndBubble(*this, invStatements_);
   validateAndBubble(*this, transferSyncs_);
@@ -124,7 +124,7 @@ void OFXRoot::storeUsingOnlineSessionObject(OFXOnlineSession& session, const voi
 }
 
 void OFXRoot::updateSessionStatusForAccount(OFXOnlineSession& session, const void* account) const {
-  session.updateSessionStatus(account, *ofxStatus());
+  session.updateSessionStatus(account, ofxStatus());
 }
 
 }  // namespace ledgeon

@@ -1,7 +1,6 @@
 #include "OnlineBankingFramework/OFXRootController.h"
 
 #include <fstream>
-#include <sstream>
 
 #include <unicode/ucnv.h>
 
@@ -56,13 +55,17 @@ std::string convertWithICU(std::string_view bytes, const char* encoding) {
 
 OFXRootController::OFXRootController() : root_(std::make_unique<OFXRoot>()) {}
 
-std::string OFXRootController::decodeOFXText(std::string_view bytes) {
+std::string OFXRootController::decodeOFXText(std::string bytesIn) {
+  std::string_view bytes = bytesIn;
   if (bytes.substr(0, 3) == "\xEF\xBB\xBF") bytes.remove_prefix(3);
   if (bytes.substr(0, 2) == "\xFF\xFE" || bytes.substr(0, 2) == "\xFE\xFF") {
     std::string text = convertWithICU(bytes, "UTF-16");
     if (!text.empty()) return text;
   }
-  if (isValidUTF8(bytes)) return std::string(bytes);
+  if (isValidUTF8(bytes)) {
+    if (bytes.size() != bytesIn.size()) bytesIn.erase(0, bytesIn.size() - bytes.size());
+    return bytesIn;
+  }
   // Not UTF-8: OFX 1.x declares CHARSET:1252 or ISO-8859-1, both read as 8-bit characters.
   std::string text = convertWithICU(bytes, "windows-1252");
   if (!text.empty() || bytes.empty()) return text;
@@ -90,13 +93,20 @@ bool OFXRootController::openOFXFile(const std::filesystem::path& path, bool isDi
     failWith(path.string() + ": the file cannot be read");
     return false;
   }
-  std::stringstream bytes;
-  bytes << in.rdbuf();
-  return openOFXData(bytes.str(), isDirectConnect);
+  std::string bytes;
+  in.seekg(0, std::ios::end);
+  const auto size = in.tellg();
+  in.seekg(0, std::ios::beg);
+  if (size > 0) {
+    bytes.resize(static_cast<size_t>(size));
+    in.read(bytes.data(), size);
+    bytes.resize(static_cast<size_t>(in.gcount()));
+  }
+  return openOFXData(std::move(bytes), isDirectConnect);
 }
 
-bool OFXRootController::openOFXData(std::string_view bytes, bool isDirectConnect) {
-  const std::string text = decodeOFXText(bytes);
+bool OFXRootController::openOFXData(std::string bytes, bool isDirectConnect) {
+  const std::string text = decodeOFXText(std::move(bytes));
   LLog("\tWEBCONNECT import:\n%@", text);
   try {
     root_ = parseOFXText(text, isDirectConnect);
@@ -113,9 +123,9 @@ bool OFXRootController::openOFXData(std::string_view bytes, bool isDirectConnect
 
 void OFXRootController::failWith(const std::string& message) {
   root_ = std::make_unique<OFXRoot>();
-  root_->ofxStatus()->setErrorCode(kParseFailureCode);
-  root_->ofxStatus()->setSeverity("ERROR");
-  root_->ofxStatus()->setMessage(message);
+  root_->ofxStatus().setErrorCode(kParseFailureCode);
+  root_->ofxStatus().setSeverity("ERROR");
+  root_->ofxStatus().setMessage(message);
 }
 
 std::string OFXRootController::accountID(size_t index) const {

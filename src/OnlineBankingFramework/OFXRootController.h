@@ -23,7 +23,7 @@ class OFXRootController final {
   // Parses the file; false when it could not be read or parsed (see statusMessage()).
   bool openOFXFile(const std::filesystem::path& path, bool isDirectConnect);
   // The same for a response already in memory, as raw bytes of any declared encoding.
-  bool openOFXData(std::string_view bytes, bool isDirectConnect);
+  bool openOFXData(std::string bytes, bool isDirectConnect);
 
   OFXRoot& root() { return *root_; }
   const OFXRoot& root() const { return *root_; }
@@ -31,8 +31,8 @@ class OFXRootController final {
   const std::string& userID() const { return root_->userID(); }
   const OFXProfile* profile() const { return root_->FIProfileData().get(); }
   int64_t statusResult() const { return root_->statusResult(); }
-  const std::string& statusSeverity() const { return root_->ofxStatus()->severity(); }
-  const std::string& statusMessage() const { return root_->ofxStatus()->message(); }
+  const std::string& statusSeverity() const { return root_->ofxStatus().severity(); }
+  const std::string& statusMessage() const { return root_->ofxStatus().message(); }
   // The account id and type of the statement at `index`; empty past the end.
   std::string accountID(size_t index) const;
   std::string acctType(size_t index) const;
@@ -47,7 +47,7 @@ class OFXRootController final {
   void setOnlineSessionObject(OFXOnlineSession* session) { onlineSessionObject_ = session; }
 
   // The response's text as UTF-8: the declared or detected encoding, else Windows-1252.
-  static std::string decodeOFXText(std::string_view bytes);
+  static std::string decodeOFXText(std::string bytes);
   // Text to XML to objects, with fix-ups and validation; throws OFXException.
   static std::unique_ptr<OFXRoot> parseOFXText(std::string_view text, bool isDirectConnect);
 

@@ -69,8 +69,8 @@ TEST(OFXRootTest, SignonErrorsAndBubbling) {
   root.statements().push_back(std::move(failed));
   root.postImportValidate();
   EXPECT_EQ(root.statusResult(), 2000);
-  EXPECT_EQ(root.ofxStatus()->message(), "General error");
-  EXPECT_EQ(root.ofxStatus()->description(),
+  EXPECT_EQ(root.ofxStatus().message(), "General error");
+  EXPECT_EQ(root.ofxStatus().description(),
             "Err Code: 2000, Severity: ERROR, Message: General error");
 }
 

@@ -48,7 +48,7 @@ TEST(XMLMappingTest, MapsPathsSwitchesConstantsAndDefaults) {
       "<R><STATUS><CODE>7</CODE></STATUS><UNKNOWN><ORG>no</ORG></UNKNOWN><H><ORG>A</ORG></H>"
       "<DC>true</DC><INV/><LIST><S><N>Acme</N></S><X/><M/></LIST></R>");
   EXPECT_EQ(root->statusResult(), 7);
-  EXPECT_EQ(root->ofxStatus()->severity(), "INFO");  // default for the missing element
+  EXPECT_EQ(root->ofxStatus().severity(), "INFO");  // default for the missing element
   EXPECT_EQ(root->org(), "A");
   EXPECT_TRUE(root->directConnect());
   EXPECT_TRUE(root->investmentOFX());
