@@ -1,4 +1,5 @@
 // The class tables of the message classes, and the fix-ups that turn their raw texts into values.
+#include "OnlineBankingFramework/ForexRateService.h"
 #include "OnlineBankingFramework/OFXDates.h"
 #include "OnlineBankingFramework/OFXRoot.h"
 #include "OnlineBankingFramework/OFXText.h"
@@ -114,60 +115,82 @@ LEDGEON_OFX_DEFINE_CLASS(OFXRoot, OFXBase, LEDGEON_OFXROOT_PROPERTIES)
 
 const std::vector<const OFXClassInfo*>& builtInOFXClasses() {
   static const std::vector<const OFXClassInfo*> classes = {
-#define LEDGEON_OFX_LIST_CLASS(Class) &Class::staticClassInfo(),
-      LEDGEON_OFX_LIST_CLASS(OFXStatus) LEDGEON_OFX_LIST_CLASS(OFXBase) LEDGEON_OFX_LIST_CLASS(OFXBankAccount) LEDGEON_OFX_LIST_CLASS(
-          OFXPayee) LEDGEON_OFX_LIST_CLASS(OFXPayeeExtend) LEDGEON_OFX_LIST_CLASS(OFXPayeeResponse)
-          LEDGEON_OFX_LIST_CLASS(OFXAdjustment) LEDGEON_OFX_LIST_CLASS(OFXDiscount) LEDGEON_OFX_LIST_CLASS(
-              OFXLineItem) LEDGEON_OFX_LIST_CLASS(OFXInvoice) LEDGEON_OFX_LIST_CLASS(OFXPaymentExtend)
-              LEDGEON_OFX_LIST_CLASS(OFXPaymentInfo) LEDGEON_OFX_LIST_CLASS(OFXBillPayState) LEDGEON_OFX_LIST_CLASS(
-                  OFXBillPayResponse) LEDGEON_OFX_LIST_CLASS(OFXMail) LEDGEON_OFX_LIST_CLASS(OFXEmailItem)
-                  LEDGEON_OFX_LIST_CLASS(OFXEmailResponse) LEDGEON_OFX_LIST_CLASS(OFXMessageSetInfo) LEDGEON_OFX_LIST_CLASS(
-                      OFXProfile) LEDGEON_OFX_LIST_CLASS(OFXBrand) LEDGEON_OFX_LIST_CLASS(OFXChallenge)
-                      LEDGEON_OFX_LIST_CLASS(OFXTransactionBase) LEDGEON_OFX_LIST_CLASS(OFXTransaction) LEDGEON_OFX_LIST_CLASS(
-                          OFXBillPayTransaction) LEDGEON_OFX_LIST_CLASS(OFXPayeeTransaction) LEDGEON_OFX_LIST_CLASS(OFXTransferInfo) LEDGEON_OFX_LIST_CLASS(OFXTransferResponse)
-                          LEDGEON_OFX_LIST_CLASS(OFXTransferTransaction) LEDGEON_OFX_LIST_CLASS(OFXEmailTransaction) LEDGEON_OFX_LIST_CLASS(
-                              OFXInvestmentTransaction) LEDGEON_OFX_LIST_CLASS(OFXBuyInvestmentTransaction) LEDGEON_OFX_LIST_CLASS(OFXSellInvestmentTransaction)
-                              LEDGEON_OFX_LIST_CLASS(OFXSplitInvestmentTransaction) LEDGEON_OFX_LIST_CLASS(
-                                  OFXTransferInvestmentTransaction) LEDGEON_OFX_LIST_CLASS(OFXInvestmentIncomeTransaction)
-                                  LEDGEON_OFX_LIST_CLASS(OFXInvestmentReinvestTransaction) LEDGEON_OFX_LIST_CLASS(
-                                      OFXInvestmentExpenseTransaction) LEDGEON_OFX_LIST_CLASS(OFXInvestmentMarginInterestTransaction)
-                                      LEDGEON_OFX_LIST_CLASS(OFXInvestmentRetOfCapTransaction) LEDGEON_OFX_LIST_CLASS(
-                                          OFXInvestmentMutalFundTransaction) LEDGEON_OFX_LIST_CLASS(OFXBuyMutualFundTransaction)
-                                          LEDGEON_OFX_LIST_CLASS(OFXSellMutualFundTransaction) LEDGEON_OFX_LIST_CLASS(
-                                              OFXInvestmentDebtTransaction) LEDGEON_OFX_LIST_CLASS(OFXInvestmentBuyDebtTransaction)
-                                              LEDGEON_OFX_LIST_CLASS(OFXInvestmentSellDebtTransaction) LEDGEON_OFX_LIST_CLASS(
-                                                  OFXInvestmentOptionTransaction) LEDGEON_OFX_LIST_CLASS(OFXInvestmentBuyOptionTransaction)
-                                                  LEDGEON_OFX_LIST_CLASS(OFXInvestmentSellOptionTransaction) LEDGEON_OFX_LIST_CLASS(
-                                                      OFXInvestmentClosureOptionTransaction)
-                                                      LEDGEON_OFX_LIST_CLASS(OFXInvPosition) LEDGEON_OFX_LIST_CLASS(
-                                                          OFXStockPos) LEDGEON_OFX_LIST_CLASS(OFXMFPos)
-                                                          LEDGEON_OFX_LIST_CLASS(OFXDebtPos) LEDGEON_OFX_LIST_CLASS(
-                                                              OFXOptionPos) LEDGEON_OFX_LIST_CLASS(OFXOtherPos)
-                                                              LEDGEON_OFX_LIST_CLASS(
-                                                                  OFXSecurity) LEDGEON_OFX_LIST_CLASS(OFXStockSecurity)
-                                                                  LEDGEON_OFX_LIST_CLASS(OFXMutualFundSecurity) LEDGEON_OFX_LIST_CLASS(
-                                                                      OFXDebtSecurity) LEDGEON_OFX_LIST_CLASS(OFXOptionSecurity)
-                                                                      LEDGEON_OFX_LIST_CLASS(OFXOtherSecurity) LEDGEON_OFX_LIST_CLASS(
-                                                                          OFXIndexSecurity) LEDGEON_OFX_LIST_CLASS(OFXBalance)
-                                                                          LEDGEON_OFX_LIST_CLASS(OFXStatement) LEDGEON_OFX_LIST_CLASS(
-                                                                              OFXInvStatement) LEDGEON_OFX_LIST_CLASS(OFXAccounts)
-                                                                              LEDGEON_OFX_LIST_CLASS(
-                                                                                  OFXAccountInfoList)
-                                                                                  LEDGEON_OFX_LIST_CLASS(
-                                                                                      OFXLotAssignment)
-                                                                                      LEDGEON_OFX_LIST_CLASS(
-                                                                                          OFXSyncBase)
-                                                                                          LEDGEON_OFX_LIST_CLASS(
-                                                                                              OFXBillPaySync)
-                                                                                              LEDGEON_OFX_LIST_CLASS(
-                                                                                                  OFXPayeeSync)
-                                                                                                  LEDGEON_OFX_LIST_CLASS(
-                                                                                                      OFXTransferSync)
-                                                                                                      LEDGEON_OFX_LIST_CLASS(
-                                                                                                          OFXEmailSync)
-                                                                                                          LEDGEON_OFX_LIST_CLASS(
-                                                                                                              OFXRoot)
-#undef LEDGEON_OFX_LIST_CLASS
+      &OFXStatus::staticClassInfo(),
+      &OFXBase::staticClassInfo(),
+      &OFXBankAccount::staticClassInfo(),
+      &OFXPayee::staticClassInfo(),
+      &OFXPayeeExtend::staticClassInfo(),
+      &OFXPayeeResponse::staticClassInfo(),
+      &OFXAdjustment::staticClassInfo(),
+      &OFXDiscount::staticClassInfo(),
+      &OFXLineItem::staticClassInfo(),
+      &OFXInvoice::staticClassInfo(),
+      &OFXPaymentExtend::staticClassInfo(),
+      &OFXPaymentInfo::staticClassInfo(),
+      &OFXBillPayState::staticClassInfo(),
+      &OFXBillPayResponse::staticClassInfo(),
+      &OFXMail::staticClassInfo(),
+      &OFXEmailItem::staticClassInfo(),
+      &OFXEmailResponse::staticClassInfo(),
+      &OFXMessageSetInfo::staticClassInfo(),
+      &OFXProfile::staticClassInfo(),
+      &OFXBrand::staticClassInfo(),
+      &OFXChallenge::staticClassInfo(),
+      &OFXTransactionBase::staticClassInfo(),
+      &OFXTransaction::staticClassInfo(),
+      &OFXBillPayTransaction::staticClassInfo(),
+      &OFXPayeeTransaction::staticClassInfo(),
+      &OFXTransferInfo::staticClassInfo(),
+      &OFXTransferResponse::staticClassInfo(),
+      &OFXTransferTransaction::staticClassInfo(),
+      &OFXEmailTransaction::staticClassInfo(),
+      &OFXInvestmentTransaction::staticClassInfo(),
+      &OFXBuyInvestmentTransaction::staticClassInfo(),
+      &OFXSellInvestmentTransaction::staticClassInfo(),
+      &OFXSplitInvestmentTransaction::staticClassInfo(),
+      &OFXTransferInvestmentTransaction::staticClassInfo(),
+      &OFXInvestmentIncomeTransaction::staticClassInfo(),
+      &OFXInvestmentReinvestTransaction::staticClassInfo(),
+      &OFXInvestmentExpenseTransaction::staticClassInfo(),
+      &OFXInvestmentMarginInterestTransaction::staticClassInfo(),
+      &OFXInvestmentRetOfCapTransaction::staticClassInfo(),
+      &OFXInvestmentMutalFundTransaction::staticClassInfo(),
+      &OFXBuyMutualFundTransaction::staticClassInfo(),
+      &OFXSellMutualFundTransaction::staticClassInfo(),
+      &OFXInvestmentDebtTransaction::staticClassInfo(),
+      &OFXInvestmentBuyDebtTransaction::staticClassInfo(),
+      &OFXInvestmentSellDebtTransaction::staticClassInfo(),
+      &OFXInvestmentOptionTransaction::staticClassInfo(),
+      &OFXInvestmentBuyOptionTransaction::staticClassInfo(),
+      &OFXInvestmentSellOptionTransaction::staticClassInfo(),
+      &OFXInvestmentClosureOptionTransaction::staticClassInfo(),
+      &OFXInvPosition::staticClassInfo(),
+      &OFXStockPos::staticClassInfo(),
+      &OFXMFPos::staticClassInfo(),
+      &OFXDebtPos::staticClassInfo(),
+      &OFXOptionPos::staticClassInfo(),
+      &OFXOtherPos::staticClassInfo(),
+      &OFXSecurity::staticClassInfo(),
+      &OFXStockSecurity::staticClassInfo(),
+      &OFXMutualFundSecurity::staticClassInfo(),
+      &OFXDebtSecurity::staticClassInfo(),
+      &OFXOptionSecurity::staticClassInfo(),
+      &OFXOtherSecurity::staticClassInfo(),
+      &OFXIndexSecurity::staticClassInfo(),
+      &OFXBalance::staticClassInfo(),
+      &OFXStatement::staticClassInfo(),
+      &OFXInvStatement::staticClassInfo(),
+      &OFXAccounts::staticClassInfo(),
+      &OFXAccountInfoList::staticClassInfo(),
+      &OFXLotAssignment::staticClassInfo(),
+      &OFXSyncBase::staticClassInfo(),
+      &OFXBillPaySync::staticClassInfo(),
+      &OFXPayeeSync::staticClassInfo(),
+      &OFXTransferSync::staticClassInfo(),
+      &OFXEmailSync::staticClassInfo(),
+      &OFXRoot::staticClassInfo(),
+      &ForexRates::staticClassInfo(),
+      &ForexRate::staticClassInfo(),
   };
   return classes;
 }
