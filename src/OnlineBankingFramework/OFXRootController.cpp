@@ -72,9 +72,9 @@ std::string OFXRootController::decodeOFXText(std::string bytesIn) {
   return convertWithICU(bytes, "ISO-8859-1");
 }
 
-std::unique_ptr<OFXRoot> OFXRootController::parseOFXText(std::string_view text,
-                                                         bool isDirectConnect) {
+std::unique_ptr<OFXRoot> OFXRootController::parseOFXText(std::string text, bool isDirectConnect) {
   const std::string xml = OfxConvert::convertOFXToXML(text);
+  std::string().swap(text);  // the XML form is all that is needed from here on
   const auto mapping = XMLMapping::fromFile(resourcePath("ofxXMLMapping.xml"), "OFX");
   std::unique_ptr<OFXObject> object = mapping->unmarshal(xml);
   std::unique_ptr<OFXRoot> root(dynamic_cast<OFXRoot*>(object.get()));
@@ -106,10 +106,10 @@ bool OFXRootController::openOFXFile(const std::filesystem::path& path, bool isDi
 }
 
 bool OFXRootController::openOFXData(std::string bytes, bool isDirectConnect) {
-  const std::string text = decodeOFXText(std::move(bytes));
+  std::string text = decodeOFXText(std::move(bytes));
   LLog("\tWEBCONNECT import:\n%@", text);
   try {
-    root_ = parseOFXText(text, isDirectConnect);
+    root_ = parseOFXText(std::move(text), isDirectConnect);
     return true;
   } catch (const OFXException& e) {
     LLog("OFX parsing failed %@", e.description());

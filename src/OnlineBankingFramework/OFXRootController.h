@@ -49,7 +49,7 @@ class OFXRootController final {
   // The response's text as UTF-8: the declared or detected encoding, else Windows-1252.
   static std::string decodeOFXText(std::string bytes);
   // Text to XML to objects, with fix-ups and validation; throws OFXException.
-  static std::unique_ptr<OFXRoot> parseOFXText(std::string_view text, bool isDirectConnect);
+  static std::unique_ptr<OFXRoot> parseOFXText(std::string text, bool isDirectConnect);
 
  private:
   void failWith(const std::string& message);
