@@ -1,6 +1,8 @@
 #!/usr/bin/env python3
 """Prints, for a Google Benchmark JSON report, each benchmark's time per iteration and its ratio
-to the floor of its group (the benchmark named "<Group>/floor")."""
+to the floor of its group (the benchmark named "<Group>/floor"), by wall-clock time and by CPU
+time. On a shared machine the CPU-time ratio is the steadier one: a benchmark descheduled for a
+while loses wall-clock time but no CPU time."""
 import json
 import sys
 
@@ -10,10 +12,14 @@ floors = {}
 for b in rows:
     group, _, variant = b["name"].partition("/")
     if variant.split("/")[0] == "floor":
-        floors[group] = b["real_time"]
+        floors[group] = b
 print(f"# {sys.argv[1]}")
+print(f"{'benchmark':<40} {'real':>12}     {'ratio':>8} {'cpu':>12}     {'ratio':>8}")
 for b in rows:
     group, _, variant = b["name"].partition("/")
     floor = floors.get(group)
-    ratio = f"{b['real_time'] / floor:8.2f}x" if floor else "        -"
-    print(f"{b['name']:<48} {b['real_time']:12.2f} {b['time_unit']:<3} {ratio}")
+    cells = []
+    for key in ("real_time", "cpu_time"):
+        ratio = f"{b[key] / floor[key]:7.2f}x" if floor else "       -"
+        cells.append(f"{b[key]:12.2f} {b['time_unit']:<3} {ratio}")
+    print(f"{b['name']:<40} {' '.join(cells)}")

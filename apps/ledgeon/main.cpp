@@ -8,6 +8,7 @@
 #include "Platform/Preferences.h"
 #include "Platform/Services.h"
 #include "Subcommand.h"
+#include "TerminalUserInterface.h"
 #include "Utilities/Log.h"
 
 namespace {
@@ -19,6 +20,7 @@ void installServices() {
     std::cerr << "ledgeon: " << loaded.error().localizedDescription() << '\n';
   }
   Services::shared().setPreferences(std::move(preferences));
+  ledgeon::cli::TerminalUserInterface::shared();  // installs itself as the user interface
   Log::setLogFile(ApplicationPaths::logsFolder() / "ledgeon.log");
 }
 

@@ -45,9 +45,8 @@ std::filesystem::path ApplicationPaths::logsFolder() {
 std::filesystem::path ApplicationPaths::downloadsFolder() {
   return folder("downloads", "XDG_DATA_HOME", ".local/share", "downloads");
 }
-std::filesystem::path ApplicationPaths::backupsFolder() {
-  return folder("backups", "XDG_DATA_HOME", ".local/share", "backups");
-}
+// Backups sit in the support folder, where earlier versions of the program put them too.
+std::filesystem::path ApplicationPaths::backupsFolder() { return supportFolder() / "Backups"; }
 std::filesystem::path ApplicationPaths::keychainFolder() {
   return folder("keychain", "XDG_DATA_HOME", ".local/share", "keychain");
 }

@@ -1,6 +1,7 @@
 #include "Platform/Services.h"
 
 #include "Platform/Preferences.h"
+#include "Platform/ScriptedUserInterface.h"
 
 namespace ledgeon {
 
@@ -16,6 +17,15 @@ Preferences& Services::preferences() {
 
 void Services::setPreferences(std::shared_ptr<Preferences> preferences) {
   preferences_ = std::move(preferences);
+}
+
+UserInterface& Services::userInterface() {
+  if (!userInterface_) userInterface_ = std::make_shared<ScriptedUserInterface>();
+  return *userInterface_;
+}
+
+void Services::setUserInterface(std::shared_ptr<UserInterface> userInterface) {
+  userInterface_ = std::move(userInterface);
 }
 
 }  // namespace ledgeon

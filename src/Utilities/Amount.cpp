@@ -100,35 +100,35 @@ Amount Amount::safeDecimalNumberWithValue(std::string_view text) {
   return safeDecimalNumberWithString(text);
 }
 
-ComparisonResult Amount::compareGeneral(const Amount& other) const noexcept {
-  if (nan_ || other.nan_) {
-    if (nan_ && other.nan_) return ComparisonResult::Same;
-    return nan_ ? ComparisonResult::Ascending : ComparisonResult::Descending;
+ComparisonResult Amount::compareGeneral(Amount a, Amount other) noexcept {
+  if (a.nan_ || other.nan_) {
+    if (a.nan_ && other.nan_) return ComparisonResult::Same;
+    return a.nan_ ? ComparisonResult::Ascending : ComparisonResult::Descending;
   }
-  const int leftSign = mantissa_ == 0 ? 0 : negative_ ? -1 : 1;
+  const int leftSign = a.mantissa_ == 0 ? 0 : a.negative_ ? -1 : 1;
   const int rightSign = other.mantissa_ == 0 ? 0 : other.negative_ ? -1 : 1;
   if (leftSign != rightSign) {
     return leftSign < rightSign ? ComparisonResult::Ascending : ComparisonResult::Descending;
   }
   if (leftSign == 0) return ComparisonResult::Same;
-  if (exponent_ == other.exponent_) {
-    if (mantissa_ == other.mantissa_) return ComparisonResult::Same;
-    return (mantissa_ < other.mantissa_) == (leftSign > 0) ? ComparisonResult::Ascending
-                                                           : ComparisonResult::Descending;
+  if (a.exponent_ == other.exponent_) {
+    if (a.mantissa_ == other.mantissa_) return ComparisonResult::Same;
+    return (a.mantissa_ < other.mantissa_) == (leftSign > 0) ? ComparisonResult::Ascending
+                                                             : ComparisonResult::Descending;
   }
   // Same sign: compare magnitudes, by order of magnitude first, then by aligned mantissas.
   int magnitude = 0;
-  const int leftOrder = K::digits(mantissa_) + exponent_;
+  const int leftOrder = K::digits(a.mantissa_) + a.exponent_;
   const int rightOrder = K::digits(other.mantissa_) + other.exponent_;
   if (leftOrder != rightOrder) {
     magnitude = leftOrder < rightOrder ? -1 : 1;
   } else {
-    UInt128 left = mantissa_;
+    UInt128 left = a.mantissa_;
     UInt128 right = other.mantissa_;
-    if (exponent_ > other.exponent_) {
-      left *= kPowersOf10[static_cast<size_t>(exponent_ - other.exponent_)];
-    } else if (other.exponent_ > exponent_) {
-      right *= kPowersOf10[static_cast<size_t>(other.exponent_ - exponent_)];
+    if (a.exponent_ > other.exponent_) {
+      left *= kPowersOf10[static_cast<size_t>(a.exponent_ - other.exponent_)];
+    } else if (other.exponent_ > a.exponent_) {
+      right *= kPowersOf10[static_cast<size_t>(other.exponent_ - a.exponent_)];
     }
     magnitude = left < right ? -1 : left > right ? 1 : 0;
   }
@@ -136,16 +136,6 @@ ComparisonResult Amount::compareGeneral(const Amount& other) const noexcept {
   return result < 0   ? ComparisonResult::Ascending
          : result > 0 ? ComparisonResult::Descending
                       : ComparisonResult::Same;
-}
-
-bool Amount::isEqualTo(const Amount& other) const noexcept {
-  return compare(other) == ComparisonResult::Same;
-}
-bool Amount::isGreaterThan(const Amount& other) const noexcept {
-  return compare(other) == ComparisonResult::Descending;
-}
-bool Amount::isLessThan(const Amount& other) const noexcept {
-  return compare(other) == ComparisonResult::Ascending;
 }
 
 std::strong_ordering operator<=>(const Amount& a, const Amount& b) noexcept {

@@ -141,13 +141,43 @@ class Amount final {
   static constexpr UInt128 kMantissaLimit =
       UInt128{10000000000000000000ULL} * UInt128{10000000000000000000ULL};  // 10^38
 
-  // The general cases of the inline operations below.
-  static Calculation addGeneral(const Amount& a, const Amount& b, RoundingMode mode,
-                                bool negateB) noexcept;
-  static Calculation multiplyGeneral(const Amount& a, const Amount& b, RoundingMode mode) noexcept;
-  ComparisonResult compareGeneral(const Amount& other) const noexcept;
-  // Sums two values with the same exponent that are neither NaN; false when it needs rounding.
-  static bool addAligned(const Amount& a, const Amount& b, bool negateB, Amount& sum) noexcept;
+  // The general cases of the inline operations below. They take their operands by value, so an
+  // operand of an inline call never has its address taken and can stay in registers.
+  static Calculation addGeneral(Amount a, Amount b, RoundingMode mode, bool negateB) noexcept;
+  static Calculation multiplyGeneral(Amount a, Amount b, RoundingMode mode) noexcept;
+  static ComparisonResult compareGeneral(Amount a, Amount b) noexcept;
+
+  // Whether two values are numbers with the same exponent: amounts in one currency.
+  [[gnu::always_inline]] static bool sameScale(const Amount& a, const Amount& b) noexcept {
+    return (static_cast<unsigned>(a.nan_) | static_cast<unsigned>(b.nan_) |
+            static_cast<uint8_t>(a.exponent_ ^ b.exponent_)) == 0;
+  }
+  // sameScale, with both mantissas below 2^62, so that a sum or difference fits a signed 64-bit
+  // register. One test, hence one branch, for the everyday sum.
+  [[gnu::always_inline]] static bool sameScaleNarrow(const Amount& a, const Amount& b) noexcept {
+    const auto wide = static_cast<uint64_t>((a.mantissa_ | b.mantissa_) >> 62);
+    return (wide | static_cast<unsigned>(a.nan_) | static_cast<unsigned>(b.nan_) |
+            static_cast<uint8_t>(a.exponent_ ^ b.exponent_)) == 0;
+  }
+  // a + b (a - b when negateB) for two values that pass sameScaleNarrow. Branch-free: signs and
+  // relative sizes of money amounts are as good as random.
+  [[gnu::always_inline]] static Amount sumNarrow(const Amount& a, const Amount& b,
+                                                 bool negateB) noexcept {
+    // The left operand is usually a running total, whose sign seldom changes: a select, which the
+    // compiler may turn into a predicted branch that keeps the sign off the chain from one sum to
+    // the next. The right operand's sign is as good as random: applied arithmetically. The
+    // magnitude of the total is a select again, a conditional move.
+    const auto ma = static_cast<int64_t>(a.mantissa_);
+    const auto bSign = static_cast<int64_t>(b.negative_ != negateB);
+    const int64_t total =
+        (a.negative_ ? -ma : ma) + ((static_cast<int64_t>(b.mantissa_) ^ -bSign) + bSign);
+    const auto magnitude = static_cast<uint64_t>(total < 0 ? -total : total);
+    return Amount(magnitude, magnitude != 0 ? a.exponent_ : int8_t{0}, total < 0, false);
+  }
+  // A result computed out of line, copied field by field. Callers of the inline operations then
+  // hold every result in registers instead of merging both paths in memory, where reading a value
+  // written a field at a time stalls the processor.
+  [[gnu::always_inline]] static Calculation byFields(const Calculation& c) noexcept;
 
   constexpr Amount(UInt128 mantissa, int8_t exponent, bool negative, bool nan) noexcept
       : mantissa_(mantissa), exponent_(exponent), negative_(negative), nan_(nan) {}
@@ -159,6 +189,8 @@ class Amount final {
 };
 
 // The outcome of one decimal operation: the value it left and what went wrong, if anything.
+// On hot paths hold it in a non-const local (or read its fields straight away): GCC 12 keeps a
+// const one on the stack, and copying its value out then waits for the stores that built it.
 struct Calculation {
   Amount value;
   CalculationError error = CalculationError::NoError;
@@ -166,46 +198,23 @@ struct Calculation {
 
 // The hot paths, inline: values with the same exponent (amounts in one currency) add and compare
 // without leaving registers, and small mantissas multiply in one instruction.
-inline bool Amount::addAligned(const Amount& a, const Amount& b, bool negateB,
-                               Amount& sum) noexcept {
-  // Branch-free: signs and relative sizes of money amounts are as good as random.
-  if (((a.mantissa_ | b.mantissa_) >> 62) == 0) {  // everyday amounts: 64-bit registers suffice
-    const auto aFlip = -static_cast<int64_t>(a.negative_);
-    const auto bFlip = -static_cast<int64_t>(b.negative_ != negateB);
-    const int64_t total = ((static_cast<int64_t>(a.mantissa_) ^ aFlip) - aFlip) +
-                          ((static_cast<int64_t>(b.mantissa_) ^ bFlip) - bFlip);
-    const int64_t totalFlip = total >> 63;
-    const auto magnitude = static_cast<uint64_t>((total ^ totalFlip) - totalFlip);
-    sum = Amount(magnitude, static_cast<int8_t>(a.exponent_ * (magnitude != 0)), total < 0, false);
-    return true;
-  }
-  const bool same = a.negative_ == (b.negative_ != negateB);
-  const bool aSmaller = a.mantissa_ < b.mantissa_;
-  const UInt128 flip = UInt128{0} - UInt128{aSmaller};
-  const UInt128 difference = ((a.mantissa_ - b.mantissa_) ^ flip) - flip;
-  const UInt128 keepSum = UInt128{0} - UInt128{same};
-  const UInt128 magnitude = ((a.mantissa_ + b.mantissa_) & keepSum) | (difference & ~keepSum);
-  if (magnitude >= kMantissaLimit) return false;
-  const bool nonZero = magnitude != 0;
-  sum = Amount(magnitude, static_cast<int8_t>(a.exponent_ * nonZero),
-               (a.negative_ != (!same && aSmaller)) && nonZero, false);
-  return true;
+inline Calculation Amount::byFields(const Calculation& c) noexcept {
+  const Amount& v = c.value;
+  return {Amount(v.mantissa_, v.exponent_, v.negative_, v.nan_), c.error};
 }
 
 inline Calculation Amount::add(const Amount& a, const Amount& b, RoundingMode mode) noexcept {
-  Calculation result;
-  if (!a.nan_ && !b.nan_ && a.exponent_ == b.exponent_ && addAligned(a, b, false, result.value)) {
-    return result;
+  if (sameScaleNarrow(a, b)) [[likely]] {
+    return {sumNarrow(a, b, false), CalculationError::NoError};
   }
-  return addGeneral(a, b, mode, false);
+  return byFields(addGeneral(a, b, mode, false));
 }
 
 inline Calculation Amount::subtract(const Amount& a, const Amount& b, RoundingMode mode) noexcept {
-  Calculation result;
-  if (!a.nan_ && !b.nan_ && a.exponent_ == b.exponent_ && addAligned(a, b, true, result.value)) {
-    return result;
+  if (sameScaleNarrow(a, b)) [[likely]] {
+    return {sumNarrow(a, b, true), CalculationError::NoError};
   }
-  return addGeneral(a, b, mode, true);
+  return byFields(addGeneral(a, b, mode, true));
 }
 
 inline Calculation Amount::multiply(const Amount& a, const Amount& b, RoundingMode mode) noexcept {
@@ -219,18 +228,38 @@ inline Calculation Amount::multiply(const Amount& a, const Amount& b, RoundingMo
               CalculationError::NoError};
     }
   }
-  return multiplyGeneral(a, b, mode);
+  return byFields(multiplyGeneral(a, b, mode));
 }
 
 inline ComparisonResult Amount::compare(const Amount& other) const noexcept {
-  if (!nan_ && !other.nan_ && exponent_ == other.exponent_) {
+  if (sameScale(*this, other)) [[likely]] {
     // Zero is never negative, so the signs alone order values of opposite signs.
     const int magnitude = static_cast<int>(mantissa_ > other.mantissa_) -
                           static_cast<int>(mantissa_ < other.mantissa_);
     const int sign = negative_ ? -1 : 1;
     return static_cast<ComparisonResult>(negative_ == other.negative_ ? sign * magnitude : sign);
   }
-  return compareGeneral(other);
+  return compareGeneral(*this, other);
+}
+
+// The two-way tests answer in a few instructions for amounts of one currency. Zero is never
+// negative, so when the signs differ the left sign alone decides.
+inline bool Amount::isEqualTo(const Amount& other) const noexcept {
+  if (sameScale(*this, other)) [[likely]] {
+    return mantissa_ == other.mantissa_ && negative_ == other.negative_;
+  }
+  return compareGeneral(*this, other) == ComparisonResult::Same;
+}
+inline bool Amount::isGreaterThan(const Amount& other) const noexcept {
+  return other.isLessThan(*this);
+}
+inline bool Amount::isLessThan(const Amount& other) const noexcept {
+  if (sameScale(*this, other)) [[likely]] {
+    const bool below = mantissa_ < other.mantissa_;
+    const bool above = other.mantissa_ < mantissa_;
+    return negative_ == other.negative_ ? (negative_ ? above : below) : negative_;
+  }
+  return compareGeneral(*this, other) == ComparisonResult::Ascending;
 }
 
 }  // namespace ledgeon

@@ -94,14 +94,13 @@ unsigned nextQuotientDigit(UInt128& remainder, UInt128 divisor) noexcept {
 
 }  // namespace
 
-Calculation Amount::addGeneral(const Amount& a, const Amount& b, RoundingMode mode,
-                               bool negateB) noexcept {
+Calculation Amount::addGeneral(Amount a, Amount b, RoundingMode mode, bool negateB) noexcept {
   if (a.nan_ || b.nan_) return kNaNResult;
   return addMagnitudes(a.mantissa_, a.exponent_, a.negative_, b.mantissa_, b.exponent_,
                        b.negative_ != negateB, mode);
 }
 
-Calculation Amount::multiplyGeneral(const Amount& a, const Amount& b, RoundingMode mode) noexcept {
+Calculation Amount::multiplyGeneral(Amount a, Amount b, RoundingMode mode) noexcept {
   if (a.nan_ || b.nan_) return kNaNResult;
   if (a.mantissa_ == 0 || b.mantissa_ == 0) return {Amount(), CalculationError::NoError};
   const int exponent = a.exponent_ + b.exponent_;
@@ -184,6 +183,12 @@ Calculation Amount::power(const Amount& a, unsigned exponent, RoundingMode mode)
   }
   if (fits) return K::finish(exact, clampExponent(resultExponent), negative, mode, false);
   // Too wide to hold exactly: square and multiply, rounding each step with the caller's mode.
+  // The steps work on the magnitude, so a negative result rounds its magnitude the other way.
+  if (negative && mode == RoundingMode::Down) {
+    mode = RoundingMode::Up;
+  } else if (negative && mode == RoundingMode::Up) {
+    mode = RoundingMode::Down;
+  }
   Amount base = a.abs();
   Amount result = one();
   CalculationError error = CalculationError::NoError;

@@ -69,11 +69,21 @@ std::string LArithmetic::errorName(CalculationError error) {
 }
 
 void LArithmetic::logCalculationError(CalculationError error, std::string_view operation,
-                                      const Amount& left, const Amount& right) noexcept {
+                                      Amount left, Amount right) noexcept {
   try {
     LLog(kErrorLog, errorName(error), operation, left.stringValue(), right.stringValue());
   } catch (...) {  // out of memory while logging: the calculation itself has been done
   }
+}
+
+Amount LArithmetic::addGeneral(Amount left, Amount right, bool subtract) noexcept {
+  LArithmetic sum(left);
+  if (subtract) {
+    sum.apply(Amount::subtract(left, right, kArithmeticMode), "subtract", right);
+  } else {
+    sum.apply(Amount::add(left, right, kArithmeticMode), "add", right);
+  }
+  return sum.value_;
 }
 
 void LArithmetic::addNumber(const Number& operand) { addDecimalValue(operand.decimalValue()); }
@@ -155,32 +165,17 @@ ComparisonResult LArithmetic::compare(const Operand& operand) const {
 bool LArithmetic::isLessThanNumber(const Number& n) const noexcept {
   return isLessThanDecimal(n.decimalValue());
 }
-bool LArithmetic::isLessThanDecimal(const Amount& d) const noexcept {
-  return value_.compare(d) == ComparisonResult::Ascending;
-}
 bool LArithmetic::isLessThanOrEqualToNumber(const Number& n) const noexcept {
   return isLessThanOrEqualToDecimal(n.decimalValue());
-}
-bool LArithmetic::isLessThanOrEqualToDecimal(const Amount& d) const noexcept {
-  return value_.compare(d) != ComparisonResult::Descending;
 }
 bool LArithmetic::isEqualToNumber(const Number& n) const noexcept {
   return isEqualToDecimal(n.decimalValue());
 }
-bool LArithmetic::isEqualToDecimal(const Amount& d) const noexcept {
-  return value_.compare(d) == ComparisonResult::Same;
-}
 bool LArithmetic::isGreaterThanNumber(const Number& n) const noexcept {
   return isGreaterThanDecimal(n.decimalValue());
 }
-bool LArithmetic::isGreaterThanDecimal(const Amount& d) const noexcept {
-  return value_.compare(d) == ComparisonResult::Descending;
-}
 bool LArithmetic::isGreaterThanOrEqualToNumber(const Number& n) const noexcept {
   return isGreaterThanOrEqualToDecimal(n.decimalValue());
-}
-bool LArithmetic::isGreaterThanOrEqualToDecimal(const Amount& d) const noexcept {
-  return value_.compare(d) != ComparisonResult::Ascending;
 }
 
 int LArithmetic::getDecimalsForCurrency(std::string_view isoCode) {

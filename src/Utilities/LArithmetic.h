@@ -76,20 +76,20 @@ class LArithmetic final {
   void addNumber(const Number& operand);
   void addDecimal(const std::optional<Amount>& operand);
   void addDecimalValue(const Amount& operand) noexcept {
-    if (!value_.nan_ && !operand.nan_ && value_.exponent_ == operand.exponent_ &&
-        Amount::addAligned(value_, operand, false, value_)) {
-      return;  // a running total in one currency: summed in place
+    if (Amount::sameScaleNarrow(value_, operand)) [[likely]] {
+      value_ = Amount::sumNarrow(value_, operand, false);  // a running total in one currency
+      return;
     }
-    apply(Amount::add(value_, operand, kArithmeticMode), "add", operand);
+    value_ = addGeneral(value_, operand, false);
   }
   void subtractNumber(const Number& operand);
   void subtractDecimal(const std::optional<Amount>& operand);
   void subtractDecimalValue(const Amount& operand) noexcept {
-    if (!value_.nan_ && !operand.nan_ && value_.exponent_ == operand.exponent_ &&
-        Amount::addAligned(value_, operand, true, value_)) {
+    if (Amount::sameScaleNarrow(value_, operand)) [[likely]] {
+      value_ = Amount::sumNarrow(value_, operand, true);
       return;
     }
-    apply(Amount::subtract(value_, operand, kArithmeticMode), "subtract", operand);
+    value_ = addGeneral(value_, operand, true);
   }
   void multiplyByNumber(const Number& operand);
   void multiplyByDecimal(const std::optional<Amount>& operand);
@@ -152,16 +152,35 @@ class LArithmetic final {
   // Logs a calculation error with the operands, then keeps whatever the operation left.
   void apply(const Calculation& result, std::string_view operation, const Amount& right) noexcept {
     // 38-digit values lose digits all the time: that is expected and silent.
-    if (result.error != CalculationError::NoError &&
-        result.error != CalculationError::LossOfPrecision) {
+    if (result.error > CalculationError::LossOfPrecision) [[unlikely]] {
       logCalculationError(result.error, operation, value_, right);
     }
     value_ = result.value;
   }
+  // The sums that do not fit the inline path: other exponents, wide mantissas, NaN. Static and
+  // by value, so the accumulator itself never leaves registers on the inline path.
+  static Amount addGeneral(Amount left, Amount right, bool subtract) noexcept;
+  // By value, like every out-of-line path here, so the accumulator's address is never taken.
   [[gnu::cold]] static void logCalculationError(CalculationError error, std::string_view operation,
-                                                const Amount& left, const Amount& right) noexcept;
+                                                Amount left, Amount right) noexcept;
 
   Amount value_;
 };
+
+inline bool LArithmetic::isLessThanDecimal(const Amount& d) const noexcept {
+  return value_.isLessThan(d);
+}
+inline bool LArithmetic::isLessThanOrEqualToDecimal(const Amount& d) const noexcept {
+  return !value_.isGreaterThan(d);
+}
+inline bool LArithmetic::isEqualToDecimal(const Amount& d) const noexcept {
+  return value_.isEqualTo(d);
+}
+inline bool LArithmetic::isGreaterThanDecimal(const Amount& d) const noexcept {
+  return value_.isGreaterThan(d);
+}
+inline bool LArithmetic::isGreaterThanOrEqualToDecimal(const Amount& d) const noexcept {
+  return !value_.isLessThan(d);
+}
 
 }  // namespace ledgeon

@@ -45,7 +45,7 @@ TEST(ApplicationPaths, LedgeonHomeHoldsEverything) {
   testing::TempFolder folder;
   setenv("LEDGEON_HOME", folder.path().c_str(), 1);
   EXPECT_EQ(ApplicationPaths::logsFolder(), folder / "logs");
-  EXPECT_EQ(ApplicationPaths::backupsFolder(), folder / "backups");
+  EXPECT_EQ(ApplicationPaths::backupsFolder(), folder / "support" / "Backups");
   EXPECT_EQ(ApplicationPaths::preferencesFile(), folder / "config/preferences.json");
   unsetenv("LEDGEON_HOME");
   setenv("XDG_CONFIG_HOME", "/xdg/config", 1);

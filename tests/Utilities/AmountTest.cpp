@@ -102,6 +102,32 @@ TEST(AmountTest, ComparesByDecimalValueWithNaNLowest) {
   EXPECT_EQ(A("0").compare(A("-0.0")), ComparisonResult::Same);
 }
 
+TEST(AmountTest, TwoWayTestsAgreeWithTheOrderOfValues) {
+  // Ranked from lowest to highest; equal ranks are equal values, some with other exponents. Most
+  // pairs share an exponent, which the two-way tests answer on their own.
+  const std::pair<int, Amount> ranked[] = {
+      {0, kNaN},         {1, A("-1e30")},
+      {2, A("-12.34")},  {2, A("-12.340")},
+      {3, A("-12.33")},  {4, A("-0.01")},
+      {5, A("0")},       {5, A("0.00")},
+      {6, A("0.01")},    {7, A("0.02")},
+      {8, A("12.33")},   {9, A("12.34")},
+      {9, A("1234e-2")}, {10, A("4611686018427387904.01")},
+      {11, A("1e30")},
+  };
+  for (const auto& [leftRank, left] : ranked) {
+    for (const auto& [rightRank, right] : ranked) {
+      const std::string pair = left.stringValue() + " vs " + right.stringValue();
+      EXPECT_EQ(left.isLessThan(right), leftRank < rightRank) << pair;
+      EXPECT_EQ(left.isGreaterThan(right), leftRank > rightRank) << pair;
+      EXPECT_EQ(left.isEqualTo(right), leftRank == rightRank) << pair;
+      EXPECT_EQ(static_cast<int>(left.compare(right)),
+                (leftRank > rightRank) - (leftRank < rightRank))
+          << pair;
+    }
+  }
+}
+
 TEST(AmountTest, ReportsCalculationErrors) {
   const auto max = A("99999999999999999999999999999999999999e127");
   struct Case {
@@ -149,6 +175,17 @@ TEST(AmountTest, ReportsCalculationErrors) {
     EXPECT_EQ(c.got.error, c.error) << c.value;
     EXPECT_EQ(c.got.value.stringValue(), c.value);
   }
+}
+
+TEST(AmountTest, PowersTooWideToHoldExactlyStillRoundInTheirModesDirection) {
+  // -3^201 needs 402 bits, so it is rounded step by step; directed modes must still bracket it
+  // (the bounds are the correctly rounded values toward each infinity).
+  const Calculation down = Amount::power(A("-3"), 201, RoundingMode::Down);
+  const Calculation up = Amount::power(A("-3"), 201, RoundingMode::Up);
+  EXPECT_EQ(down.error, CalculationError::LossOfPrecision);
+  EXPECT_LE(down.value, A("-7.9684196662762430801634396610733888049e95"));
+  EXPECT_GE(up.value, A("-7.9684196662762430801634396610733888048e95"));
+  EXPECT_LT(down.value, up.value);
 }
 
 TEST(AmountTest, RoundsToScaleInEveryMode) {

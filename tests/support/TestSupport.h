@@ -33,6 +33,31 @@ struct CliResult {
 CliResult runCli(const std::vector<std::string>& arguments, const std::filesystem::path& home,
                  const std::string& input = "");
 
+// Runs another program found on PATH (an oracle such as `unzip`), with no shell.
+CliResult runProgram(const std::vector<std::string>& argv);
+
+// The `ledgeon` program running in the background with its stdin held open, for tests in which
+// two processes meet (one holds a document while the other tries to open it).
+class BackgroundCli final {
+ public:
+  BackgroundCli(const std::vector<std::string>& arguments, const std::filesystem::path& home);
+  ~BackgroundCli();
+  BackgroundCli(const BackgroundCli&) = delete;
+  BackgroundCli& operator=(const BackgroundCli&) = delete;
+
+  int pid() const { return pid_; }
+  // The next line the program prints on stdout; empty at its end.
+  std::string readLine();
+  // Closes its stdin and waits for it; returns the exit status.
+  int finish();
+
+ private:
+  int pid_ = -1;
+  int stdinFd_ = -1;
+  int stdoutFd_ = -1;
+  std::string pending_;
+};
+
 // A file of the shared real-world test data (bank OFX files, CSV edge cases).
 std::filesystem::path sharedTestData(const std::string& relativePath);
 

@@ -1,0 +1,151 @@
+#include "TerminalUserInterface.h"
+
+#include <algorithm>
+#include <cctype>
+#include <cmath>
+#include <iostream>
+#include <memory>
+
+#include <fmt/format.h>
+#include <termios.h>
+#include <unistd.h>
+
+#include "Platform/Services.h"
+
+namespace ledgeon::cli {
+
+namespace {
+
+std::string lowercase(std::string text) {
+  std::transform(text.begin(), text.end(), text.begin(),
+                 [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+  return text;
+}
+
+// A bar on stderr, redrawn in place; only when stderr is a terminal.
+class TerminalProgress final : public Progress {
+ public:
+  explicit TerminalProgress(std::string text)
+      : text_(std::move(text)), visible_(::isatty(STDERR_FILENO) != 0) {
+    draw();
+  }
+  ~TerminalProgress() override {
+    if (visible_) std::cerr << '\n';
+  }
+  void setText(const std::string& text) override {
+    text_ = text;
+    draw();
+  }
+  void setBarText(const std::string& text) override {
+    barText_ = text;
+    draw();
+  }
+  void setMaximum(double maximum) override {
+    maximum_ = maximum;
+    draw();
+  }
+  void setValue(double value) override {
+    value_ = value;
+    draw();
+  }
+  bool isCancelled() const override { return false; }
+
+ private:
+  void draw() const {
+    if (!visible_) return;
+    constexpr std::size_t kWidth = 30;
+    const double fraction = maximum_ > 0 ? std::clamp(value_ / maximum_, 0.0, 1.0) : 0.0;
+    const auto filled = static_cast<std::size_t>(std::lround(fraction * kWidth));
+    std::cerr << fmt::format("\r\x1b[K[{}{}] {:3}% {} {}", std::string(filled, '#'),
+                             std::string(kWidth - filled, ' '),
+                             static_cast<int>(std::lround(fraction * 100)), text_, barText_)
+              << std::flush;
+  }
+  std::string text_;
+  std::string barText_;
+  double maximum_ = 0;
+  double value_ = 0;
+  bool visible_;
+};
+
+}  // namespace
+
+TerminalUserInterface& TerminalUserInterface::shared() {
+  static const std::shared_ptr<TerminalUserInterface> instance = [] {
+    auto created = std::make_shared<TerminalUserInterface>();
+    Services::shared().setUserInterface(created);
+    return created;
+  }();
+  return *instance;
+}
+
+AlertResponse TerminalUserInterface::runAlert(const Alert& alert) {
+  std::cerr << alert.messageText << '\n';
+  if (!alert.informativeText.empty()) std::cerr << alert.informativeText << '\n';
+  std::string choices;
+  for (std::size_t i = 0; i < alert.buttons.size(); ++i) {
+    choices += fmt::format("{}[{}] {}", i ? "  " : "", i + 1, alert.buttons[i]);
+  }
+  std::cerr << choices << '\n';
+  auto answer = [&](std::size_t index) {
+    std::cerr << "> " << alert.buttons[index] << '\n';
+    return AlertResponse{index, false};
+  };
+  while (!presetAnswers_.empty()) {
+    const std::string wanted = lowercase(presetAnswers_.front());
+    presetAnswers_.pop_front();
+    for (std::size_t i = 0; i < alert.buttons.size(); ++i) {
+      if (lowercase(alert.buttons[i]) == wanted) return answer(i);
+    }
+    std::cerr << "(answer \"" << wanted << "\" is not one of the buttons)\n";
+  }
+  if (::isatty(STDIN_FILENO) == 0) return answer(alert.buttons.size() - 1);
+  for (std::string line;;) {
+    std::cerr << "Choose 1-" << alert.buttons.size() << ": " << std::flush;
+    if (!std::getline(std::cin, line)) break;
+    std::size_t index = 0;
+    try {
+      index = static_cast<std::size_t>(std::stoul(line));
+    } catch (const std::exception&) {
+      continue;
+    }
+    if (index < 1 || index > alert.buttons.size()) continue;
+    AlertResponse response{index - 1, false};
+    if (alert.suppressionTitle) {
+      std::cerr << *alert.suppressionTitle << " [y/N] " << std::flush;
+      std::string tick;
+      std::getline(std::cin, tick);
+      response.suppressionChecked = lowercase(tick).rfind('y', 0) == 0;
+    }
+    return response;
+  }
+  return answer(alert.buttons.size() - 1);
+}
+
+std::optional<std::string> TerminalUserInterface::askForPassword(const PasswordPrompt& prompt) {
+  std::cerr << prompt.messageText << '\n';
+  if (!prompt.informativeText.empty()) std::cerr << prompt.informativeText << '\n';
+  if (!prompt.hint.empty()) std::cerr << "Hint: " << prompt.hint << '\n';
+  std::cerr << "Password: " << std::flush;
+  termios saved{};
+  const bool terminal = ::isatty(STDIN_FILENO) != 0 && ::tcgetattr(STDIN_FILENO, &saved) == 0;
+  if (terminal) {
+    termios silent = saved;
+    silent.c_lflag &= ~static_cast<tcflag_t>(ECHO);
+    ::tcsetattr(STDIN_FILENO, TCSANOW, &silent);
+  }
+  std::string password;
+  const bool read = static_cast<bool>(std::getline(std::cin, password));
+  if (terminal) {
+    ::tcsetattr(STDIN_FILENO, TCSANOW, &saved);
+    std::cerr << '\n';
+  }
+  if (!read) return std::nullopt;
+  return password;
+}
+
+std::unique_ptr<Progress> TerminalUserInterface::beginProgress(const std::string& text) {
+  return std::make_unique<TerminalProgress>(text);
+}
+
+}  // namespace ledgeon::cli
