@@ -15,6 +15,8 @@ pkg_check_modules(LIBICAL REQUIRED IMPORTED_TARGET libical)
 pkg_check_modules(LIBPLIST REQUIRED IMPORTED_TARGET libplist-2.0)
 if(LEDGEON_BUILD_TESTS)
   find_package(GTest REQUIRED)
+  # HTTP servers on 127.0.0.1 in tests (institution, rate service); Debian ships it compiled.
+  pkg_check_modules(CPPHTTPLIB REQUIRED IMPORTED_TARGET cpp-httplib)
 endif()
 if(LEDGEON_BUILD_BENCH)
   find_package(benchmark REQUIRED)
