@@ -1,5 +1,8 @@
 #include "CliValues.h"
 
+#include <filesystem>
+
+#include "DataBase/DataBase.h"
 #include "Subcommand.h"
 #include "Utilities/LDateUtilities.h"
 
@@ -57,5 +60,15 @@ std::string formatFixed(const Amount& value, int digits) {
 }
 
 std::string formatDate(Date date) { return LDateUtilities::ISO8601StringFromDate(date); }
+
+std::unique_ptr<DataBase> openDocument(const std::string& document) {
+  const std::filesystem::path store = std::filesystem::path(document) / "data";
+  if (!std::filesystem::is_directory(document)) {
+    throw CommandFailure(document + ": not a document package (expected a folder)");
+  }
+  auto opened = DataBase::initWithFileURL(store, false);
+  if (!opened) throw CommandFailure(opened.error().localizedDescription());
+  return std::move(opened).value();
+}
 
 }  // namespace ledgeon::cli

@@ -1,11 +1,16 @@
 #pragma once
 
+#include <memory>
 #include <string>
 #include <string_view>
 #include <utility>
 
 #include "Utilities/Amount.h"
 #include "Utilities/Date.h"
+
+namespace ledgeon {
+class DataBase;
+}  // namespace ledgeon
 
 namespace ledgeon::cli {
 
@@ -25,5 +30,8 @@ std::string formatFixed(const Amount& value, int digits);
 inline std::string formatMoney(const Amount& value) { return formatFixed(value, 2); }
 // YYYY-MM-DD.
 std::string formatDate(Date date);
+
+// The store "data" of the document package folder `document`, opened for reading and writing.
+std::unique_ptr<DataBase> openDocument(const std::string& document);
 
 }  // namespace ledgeon::cli

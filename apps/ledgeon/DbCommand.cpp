@@ -5,6 +5,7 @@
 
 #include <nlohmann/json.hpp>
 
+#include "CliValues.h"
 #include "DataBase/DataBase.h"
 #include "SampleLedger.h"
 #include "Subcommand.h"
@@ -25,16 +26,6 @@ struct DbOptions {
   bool sample = false;
   bool json = false;
 };
-
-std::unique_ptr<DataBase> openDocument(const std::string& document) {
-  const std::filesystem::path store = std::filesystem::path(document) / "data";
-  if (!std::filesystem::is_directory(document)) {
-    throw CommandFailure(document + ": not a document package (expected a folder)");
-  }
-  auto opened = DataBase::initWithFileURL(store, false);
-  if (!opened) throw CommandFailure(opened.error().localizedDescription());
-  return std::move(opened).value();
-}
 
 // An argument of the predicate: "int:", "amount:", "date:", "text:" force a kind; otherwise an
 // integer, a decimal, an ISO date, "nil" or text, whichever it reads as first.

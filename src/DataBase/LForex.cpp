@@ -1,7 +1,11 @@
 #include "DataBase/LForex.h"
 
+#include <cctype>
+#include <set>
+
 #include "DataBase/DataBase.h"
 #include "Utilities/Log.h"
+#include "Utilities/NotificationCenter.h"
 
 namespace ledgeon {
 
@@ -18,11 +22,35 @@ bool sameCode(std::string_view a, std::string_view b) {
   return true;
 }
 
+std::string upperCased(std::string code) {
+  for (char& c : code) c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
+  return code;
+}
+
 }  // namespace
 
 LForex& LForex::sharedForex() {
   static LForex forex;
   return forex;
+}
+
+void LForex::setHomeCurrency(DataBase& document) {
+  const Value stored = document.valueForDocumentPropertyNamed(kHomeCurrencyCodeProperty);
+  std::string code = stored.kind() == Value::Kind::String ? stored.asString() : std::string();
+  homeCurrencyCode_ = code.empty() ? std::string(kDefaultHomeCurrencyCode) : upperCased(code);
+}
+
+std::vector<std::string> LForex::currencyCodesUsed(DataBase& document) const {
+  std::set<std::string> codes;
+  for (LObject* account : document.instancesOfClass("Account")) {
+    const std::string code = upperCased(account->stringForKey("currency"));
+    if (!code.empty() && !sameCode(code, homeCurrencyCode_)) codes.insert(code);
+  }
+  return {codes.begin(), codes.end()};
+}
+
+void LForex::sendForexQuotesUpdatedNotification() const {
+  NotificationCenter::defaultCenter().postNotificationName(kForexQuotesUpdatedNotification, this);
 }
 
 LObject* LForex::forexQuoteForCurrency(DataBase& document, std::string_view currencyCode) const {

@@ -2,6 +2,7 @@
 
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "Utilities/Amount.h"
 
@@ -16,7 +17,26 @@ class LObject;
 // shared instance per process; main thread only.
 class LForex final {
  public:
+  // The document property holding the document's home currency code; "USD" when it is unset.
+  static constexpr std::string_view kHomeCurrencyCodeProperty = "HomeCurrencyCode";
+  static constexpr std::string_view kDefaultHomeCurrencyCode = "USD";
+  // Posted (object: this LForex) after new quotes were stored in a document.
+  static constexpr const char* kForexQuotesUpdatedNotification = "ForexQuotesUpdatedNotification";
+
   static LForex& sharedForex();
+
+  // Takes the home currency code from the document before a refresh.
+  void setHomeCurrency(DataBase& document);
+  // Distinct currencies of the document's accounts other than the home currency, upper-cased and
+  // sorted.
+  std::vector<std::string> currencyCodesUsed(DataBase& document) const;
+
+  // A refresh is wanted (set when currencies change) / a refresh is under way.
+  bool needsForexQuoteUpdate() const { return needsForexQuoteUpdate_; }
+  void mustRefreshForexQuotes(bool must) { needsForexQuoteUpdate_ = must; }
+  bool isUpdatingForexQuotes() const { return isUpdatingForexQuotes_; }
+  void setUpdatingForexQuotes(bool updating) { isUpdatingForexQuotes_ = updating; }
+  void sendForexQuotesUpdatedNotification() const;
 
   const std::string& homeCurrencyCode() const { return homeCurrencyCode_; }
   void setHomeCurrencyCode(std::string code) { homeCurrencyCode_ = std::move(code); }
@@ -31,7 +51,9 @@ class LForex final {
                                   std::string_view to) const;
 
  private:
-  std::string homeCurrencyCode_ = "USD";
+  std::string homeCurrencyCode_ = std::string(kDefaultHomeCurrencyCode);
+  bool needsForexQuoteUpdate_ = false;
+  bool isUpdatingForexQuotes_ = false;
 };
 
 }  // namespace ledgeon
