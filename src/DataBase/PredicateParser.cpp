@@ -258,18 +258,18 @@ class Parser {
 
   void parseArgument(Node::Operand& operand) {
     const size_t start = pos_++;
-    std::string spec;
+    std::string specifier;
     while (pos_ < text_.size() && std::isalpha(static_cast<unsigned char>(text_[pos_])) &&
-           spec.size() < 3) {
-      spec += text_[pos_++];
-      if (spec != "l" && spec != "ll") break;
+           specifier.size() < 3) {
+      specifier += text_[pos_++];
+      if (specifier != "l" && specifier != "ll") break;
     }
-    if (pos_ < text_.size() && text_[pos_] == '@' && spec.empty()) {
+    if (pos_ < text_.size() && text_[pos_] == '@' && specifier.empty()) {
       ++pos_;
       operand.constant = nextArgument();
       return;
     }
-    if (spec == "K") {
+    if (specifier == "K") {
       const Value& key = nextArgument();
       if (key.kind() != Value::Kind::String || key.asString().empty()) {
         pos_ = start;
@@ -278,12 +278,12 @@ class Parser {
       operand.keyPath = splitKeyPath(key.asString());
       return;
     }
-    if (spec == "d" || spec == "i" || spec == "ld" || spec == "lld" || spec == "lu" ||
-        spec == "llu" || spec == "u") {
+    if (specifier == "d" || specifier == "i" || specifier == "ld" || specifier == "lld" ||
+        specifier == "lu" || specifier == "llu" || specifier == "u") {
       const Value& number = nextArgument();
       if (!number.isNumber()) {
         pos_ = start;
-        fail("%" + spec + " needs an integer argument");
+        fail("%" + specifier + " needs an integer argument");
       }
       operand.constant = Value(number.asInteger());
       return;

@@ -31,13 +31,13 @@ std::string formatNumber(const std::string& flagsWidthPrecision, char conversion
                          const FormatArgument& argument) {
   std::vector<char> buffer(64);
   auto run = [&](auto value, const char* length) {
-    const std::string spec = "%" + flagsWidthPrecision + length + conversion;
+    const std::string cFormat = "%" + flagsWidthPrecision + length + conversion;
     for (;;) {
-      // The spec was rebuilt from checked flags, width and precision, with a length modifier
+      // The C format was rebuilt from checked flags, width and precision, with a length modifier
       // matching the value passed, so the C library reads exactly one argument of that type.
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wformat-nonliteral"
-      const int written = std::snprintf(buffer.data(), buffer.size(), spec.c_str(), value);
+      const int written = std::snprintf(buffer.data(), buffer.size(), cFormat.c_str(), value);
 #pragma GCC diagnostic pop
       if (written < 0) return std::string();
       if (static_cast<size_t>(written) < buffer.size()) return std::string(buffer.data());
