@@ -212,117 +212,98 @@ size_t LIFReader::importAccountInformation(size_t index) {
   return i;
 }
 
-size_t LIFReader::importCatList(size_t index) {
-  LIFCategory category;
+template <typename Record, typename Field, typename Finish>
+size_t LIFReader::readListSection(size_t index, Field field, Finish finish) {
+  Record record;
   bool open = false;
-  auto finish = [&] {
+  size_t i = index + 1;
+  for (; !isSectionEnd(i); ++i) {
+    const Line& line = lines_[i];
+    if (lif::isBlank(line.text)) continue;
+    if (!open) record.line = line.number;
+    open = true;
+    if (line.text.front() == '^') {
+      finish(std::move(record));
+      record = Record();
+      open = false;
+    } else {
+      field(record, line.text.front(), value(line.text));
+    }
+  }
+  if (open) finish(std::move(record));
+  return i;
+}
+
+size_t LIFReader::importCatList(size_t index) {
+  auto field = [](LIFCategory& category, char letter, std::string_view text) {
+    switch (letter) {
+      case 'N':
+        category.name = std::string(text);
+        break;
+      case 'D':
+        category.description = std::string(text);
+        break;
+      case 'I':
+        category.type = 2;
+        break;
+      case 'T':
+        if (!category.taxRefUS) category.taxRefUS = 9999;
+        break;
+      case 'R':
+        category.taxRefUS = lif::integerValue(text);
+        break;
+      default:
+        break;
+    }
+  };
+  auto finish = [this](LIFCategory&& category) {
     std::string slashed = category.name;
     std::replace(slashed.begin(), slashed.end(), '*', '/');
     if (!category.name.empty() && !categoryExists(category.name) && !categoryExists(slashed)) {
       fileCategories_.insert(category.name);
       emit(std::move(category));
     }
-    category = LIFCategory();
-    open = false;
   };
-  size_t i = index + 1;
-  for (; !isSectionEnd(i); ++i) {
-    const Line& line = lines_[i];
-    if (lif::isBlank(line.text)) continue;
-    if (!open) category.line = line.number;
-    open = true;
-    const std::string_view field = value(line.text);
-    switch (line.text.front()) {
-      case 'N':
-        category.name = std::string(field);
-        break;
-      case 'D':
-        category.description = std::string(field);
-        break;
-      case 'I':
-        category.type = 2;
-        break;
-      case 'E':
-        break;
-      case 'T':
-        if (!category.taxRefUS) category.taxRefUS = 9999;
-        break;
-      case 'R':
-        category.taxRefUS = lif::integerValue(field);
-        break;
-      case '^':
-        finish();
-        break;
-      default:
-        break;
-    }
-  }
-  if (open) finish();
-  return i;
+  return readListSection<LIFCategory>(index, field, finish);
 }
 
 size_t LIFReader::importClassList(size_t index) {
-  LIFTag tag;
-  bool open = false;
-  auto finish = [&] {
+  auto field = [](LIFTag& tag, char letter, std::string_view text) {
+    if (letter == 'N') tag.name = std::string(text);
+    if (letter == 'D') tag.description = std::string(text);
+  };
+  auto finish = [this](LIFTag&& tag) {
     if (!tag.name.empty() && !tagExists(tag.name)) {
       fileTags_.insert(tag.name);
       emit(std::move(tag));
     }
-    tag = LIFTag();
-    open = false;
   };
-  size_t i = index + 1;
-  for (; !isSectionEnd(i); ++i) {
-    const Line& line = lines_[i];
-    if (lif::isBlank(line.text)) continue;
-    if (!open) tag.line = line.number;
-    open = true;
-    if (line.text.front() == 'N') tag.name = std::string(value(line.text));
-    if (line.text.front() == 'D') tag.description = std::string(value(line.text));
-    if (line.text.front() == '^') finish();
-  }
-  if (open) finish();
-  return i;
+  return readListSection<LIFTag>(index, field, finish);
 }
 
 size_t LIFReader::importSecurity(size_t index) {
-  LIFSecurity security;
-  bool open = false;
-  auto finish = [&] {
-    if (!security.name.empty()) {
-      fileSecurityTypes_[security.name] = security.type;
-      emit(std::move(security));
-    }
-    security = LIFSecurity();
-    open = false;
-  };
-  size_t i = index + 1;
-  for (; !isSectionEnd(i); ++i) {
-    const Line& line = lines_[i];
-    if (lif::isBlank(line.text)) continue;
-    if (!open) security.line = line.number;
-    open = true;
-    const std::string_view field = value(line.text);
-    switch (line.text.front()) {
+  auto field = [](LIFSecurity& security, char letter, std::string_view text) {
+    switch (letter) {
       case 'N':
-        security.name = std::string(field);
+        security.name = std::string(text);
         break;
       case 'S':
-        security.ticker = std::string(field);
+        security.ticker = std::string(text);
         break;
       case 'T':
-        security.type = LIFFields::securityType(field);
-        break;
-      case '^':
-        finish();
+        security.type = LIFFields::securityType(text);
         break;
       default:
         break;
     }
-  }
-  if (open) finish();
-  return i;
+  };
+  auto finish = [this](LIFSecurity&& security) {
+    if (!security.name.empty()) {
+      fileSecurityTypes_[security.name] = security.type;
+      emit(std::move(security));
+    }
+  };
+  return readListSection<LIFSecurity>(index, field, finish);
 }
 
 size_t LIFReader::importPrices(size_t index) {

@@ -80,6 +80,10 @@ class LIFReader final {
   size_t importInvestmentTransactions(size_t index);
   size_t importPrices(size_t index);
   size_t importSecurity(size_t index);
+  // Reads the "^"-terminated records of a list section: `field` takes each line of a record by
+  // its letter, `finish` each complete record (also one the section's end leaves open).
+  template <typename Record, typename Field, typename Finish>
+  size_t readListSection(size_t index, Field field, Finish finish);
 
   void readBankField(BankState& state, const Line& line, bool investmentCashTxn, bool invertSign);
   void finishBankRecord(BankState& state);
