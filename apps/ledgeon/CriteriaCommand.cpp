@@ -11,6 +11,7 @@
 #include "DemoStep.h"
 #include "Subcommand.h"
 #include "Utilities/DateFormatter.h"
+#include "Utilities/FileContents.h"
 #include "Utilities/Resources.h"
 
 namespace ledgeon::cli {
@@ -24,11 +25,9 @@ struct CriteriaOptions {
 };
 
 std::string readText(const std::string& path) {
-  std::ifstream in(path, std::ios::binary);
-  if (!in) throw CommandFailure(path + ": cannot be read");
-  std::ostringstream text;
-  text << in.rdbuf();
-  return text.str();
+  auto text = readFileContents(path);
+  if (!text) throw CommandFailure(path + ": cannot be read");
+  return *std::move(text);
 }
 
 template <typename Json>

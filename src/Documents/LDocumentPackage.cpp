@@ -7,6 +7,7 @@
 #include <sstream>
 #include <utility>
 
+#include "Utilities/FileContents.h"
 #include "Utilities/Log.h"
 
 namespace ledgeon {
@@ -329,12 +330,7 @@ Result<void> LDocumentPackage::cacheFileInFilePackageDirName(const std::string& 
 std::optional<std::string> LDocumentPackage::cachedFileInFilePackageDirName(
     const std::string& dirName, const std::string& guid, const std::string& fileName) const {
   if (!isPlainName(dirName) || !isPlainName(guid + "_" + fileName)) return std::nullopt;
-  std::ifstream in(absoluteURL_ / dirName / stringWithFormat("%@_%@", guid, fileName),
-                   std::ios::binary);
-  if (!in) return std::nullopt;
-  std::ostringstream data;
-  data << in.rdbuf();
-  return data.str();
+  return readFileContents(absoluteURL_ / dirName / stringWithFormat("%@_%@", guid, fileName));
 }
 
 bool LDocumentPackage::removeCachedFileDirName(const std::string& dirName, const std::string& guid,

@@ -20,6 +20,7 @@
 #include <unistd.h>
 
 #include "Utilities/Clock.h"
+#include "Utilities/FileContents.h"
 
 namespace ledgeon {
 
@@ -162,11 +163,9 @@ void LFileLockInfo::updateFromCurrentProcess() {
 }
 
 Result<LFileLockInfo> LFileLockInfo::readFromFile(const std::string& path) {
-  std::ifstream in(path, std::ios::binary);
-  if (!in) return Error::make(kLErrorDomain, 1, path + ": cannot be read");
-  std::ostringstream text;
-  text << in.rdbuf();
-  return readFromData(text.str(), path);
+  auto text = readFileContents(path);
+  if (!text) return Error::make(kLErrorDomain, 1, path + ": cannot be read");
+  return readFromData(*text, path);
 }
 
 Result<LFileLockInfo> LFileLockInfo::readFromData(std::string_view data,

@@ -13,6 +13,8 @@
 #include <plist/plist.h>
 #include <unistd.h>
 
+#include "Utilities/FileContents.h"
+
 namespace ledgeon {
 
 namespace {
@@ -43,11 +45,9 @@ Result<PropertyList> PropertyList::fromData(std::string_view data, const std::st
 }
 
 Result<PropertyList> PropertyList::fromFile(const std::string& path) {
-  std::ifstream in(path, std::ios::binary);
-  if (!in) return fileError(path, "cannot be read");
-  std::ostringstream text;
-  text << in.rdbuf();
-  return fromData(text.str(), path);
+  auto text = readFileContents(path);
+  if (!text) return fileError(path, "cannot be read");
+  return fromData(*text, path);
 }
 
 PropertyList::PropertyList(PropertyList&& other) noexcept

@@ -9,6 +9,7 @@
 
 #include "OnlineBankingFramework/OFXException.h"
 #include "OnlineBankingFramework/internal/CompiledMapping.h"
+#include "Utilities/FileContents.h"
 #include "Utilities/StringWithFormat.h"
 
 namespace ledgeon {
@@ -300,14 +301,12 @@ std::shared_ptr<const XMLMapping> XMLMapping::fromFile(const std::filesystem::pa
   const std::string key = file.string() + "#" + std::string(rootName);
   std::lock_guard lock(mutex);
   if (auto it = cache.find(key); it != cache.end()) return it->second;
-  std::ifstream in(file, std::ios::binary);
-  if (!in) {
+  const auto text = readFileContents(file);
+  if (!text) {
     throw OFXException("InvalidMapping",
                        stringWithFormat("%@: the mapping resource cannot be read", file.string()));
   }
-  std::stringstream text;
-  text << in.rdbuf();
-  auto mapping = fromText(text.str(), rootName, file.filename().string());
+  auto mapping = fromText(*text, rootName, file.filename().string());
   cache[key] = mapping;
   return mapping;
 }

@@ -6,6 +6,7 @@
 
 #include <fmt/format.h>
 
+#include "Utilities/FileContents.h"
 #include "Utilities/Log.h"
 #include "Utilities/Resources.h"
 
@@ -113,11 +114,9 @@ Result<StringsTable> StringsTable::parse(std::string_view text, std::string_view
 }
 
 Result<StringsTable> StringsTable::load(const std::string& path) {
-  std::ifstream in(path, std::ios::binary);
-  if (!in) return Error::make(kLErrorDomain, 2, fmt::format("{}: cannot be read", path));
-  std::ostringstream text;
-  text << in.rdbuf();
-  return parse(text.str(), path);
+  auto text = readFileContents(path);
+  if (!text) return Error::make(kLErrorDomain, 2, fmt::format("{}: cannot be read", path));
+  return parse(*text, path);
 }
 
 std::optional<std::string> StringsTable::lookup(std::string_view key) const {
