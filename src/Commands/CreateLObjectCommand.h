@@ -3,6 +3,7 @@
 #include <memory>
 #include <string>
 
+#include "Commands/CreationRetraction.h"
 #include "Commands/KVCommand.h"
 #include "LObjects/Value.h"
 
@@ -35,7 +36,7 @@ class CreateLObjectCommand : public KVCommand {
 
  private:
   EditDict properties_;
-  std::shared_ptr<KVCommand> clearRelationships_;
+  CreationRetraction retraction_;
 };
 
 }  // namespace ledgeon

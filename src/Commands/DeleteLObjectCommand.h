@@ -3,6 +3,7 @@
 #include <memory>
 #include <string>
 
+#include "Commands/CreationRetraction.h"
 #include "Commands/KVCommand.h"
 
 namespace ledgeon {
@@ -17,11 +18,10 @@ class DeleteLObjectCommand : public KVCommand {
 
   bool doit() override;
   void undoit() override;
-  void redoit() override;
   std::string commandNoun() override;
 
  private:
-  std::shared_ptr<KVCommand> clearRelationships_;
+  CreationRetraction retraction_;
 };
 
 }  // namespace ledgeon

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -68,7 +69,8 @@ class KVCommand : public std::enable_shared_from_this<KVCommand> {
   std::shared_ptr<LCommandDocument> document() const { return weakDocument_.lock(); }
   bool done() const { return done_; }
   void setDone(bool done) { done_ = done; }
-  int64_t undoBehavior() const { return undoBehavior_; }
+  // Set on the command, or else the default of its class.
+  int64_t undoBehavior() const;
   void setUndoBehavior(int64_t behavior) { undoBehavior_ = behavior; }
   bool recordable() const { return recordable_; }
   void setRecordable(bool recordable) { recordable_ = recordable; }
@@ -150,7 +152,7 @@ class KVCommand : public std::enable_shared_from_this<KVCommand> {
  private:
   std::weak_ptr<LCommandDocument> weakDocument_;
   bool done_ = false;
-  int64_t undoBehavior_ = kUndoBehaviorUndoable;
+  std::optional<int64_t> undoBehavior_;
   bool recordable_ = true;
   bool doesntDirtyDoc_ = false;
   uint32_t commandTag_ = 0;
