@@ -9,8 +9,8 @@
 #include <nlohmann/json.hpp>
 
 #include "DataBase/DataBase.h"
-#include "Documents/LDocument.h"
 #include "DocumentTestEnvironment.h"
+#include "Documents/LDocument.h"
 #include "support/TestSupport.h"
 
 namespace ledgeon {
@@ -65,9 +65,9 @@ TEST(LDocumentProcessTest, SecondProcessSeesTheDocumentHeldByTheFirst) {
                              "application."),
             std::string::npos)
       << refused.err;
-  EXPECT_NE(refused.err.find("To open this document, quit the application \u201cLedgeon\u201d (PID " +
-                             std::to_string(holder.pid()) +
-                             "), then click the \u201cTry Again\u201d button."),
+  EXPECT_NE(refused.err.find(
+                "To open this document, quit the application \u201cLedgeon\u201d (PID " +
+                std::to_string(holder.pid()) + "), then click the \u201cTry Again\u201d button."),
             std::string::npos)
       << refused.err;
   EXPECT_TRUE(refused.out.empty());

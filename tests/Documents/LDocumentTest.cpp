@@ -107,8 +107,8 @@ TEST(LDocumentTest, NewDocumentHoldsTheHouseholdCategoryTree) {
   ASSERT_TRUE(document);
   const auto& names = LDocument::defaultCategoryNames();
   EXPECT_EQ(document->dataBase().countForInstancesOfClass("CategoryTag"), names.size());
-  for (const std::string& fullName : {"Income:Salary", "Housing:Rent", "Food:Groceries",
-                                      "Transport:Fuel", "Utilities:Electricity"}) {
+  for (const std::string fullName : {"Income:Salary", "Housing:Rent", "Food:Groceries",
+                                     "Transport:Fuel", "Utilities:Electricity"}) {
     SCOPED_TRACE(fullName);
     LObject* category = document->categoryNamed(fullName);
     ASSERT_NE(category, nullptr);
@@ -289,7 +289,9 @@ TEST(LDocumentTest, RefusesWhatItCannotOpenAndLeavesNoLockBehind) {
       EXPECT_NE(text.find(expected), std::string::npos) << text;
     }
     EXPECT_EQ(opened.error().userInfo.at(kFilePathErrorKey), path.string());
-    if (*c.expectedLog) EXPECT_TRUE(log.contains(c.expectedLog));
+    if (*c.expectedLog) {
+      EXPECT_TRUE(log.contains(c.expectedLog));
+    }
     EXPECT_EQ(lockFileCount(path), 0u);
     EXPECT_TRUE(LDocument::openDataBases().empty());
     EXPECT_EQ(LCommandDocument::currentDocument(), nullptr);
