@@ -8,6 +8,7 @@
 #include "CliValues.h"
 #include "DataBase/DataBase.h"
 #include "LObjects/LObject.h"
+#include "Utilities/LArithmetic.h"
 
 namespace ledgeon::cli {
 
@@ -72,6 +73,9 @@ TransactionRow ownRow(LObject& transaction) {
   row.note = transaction.stringForKey("note");
   row.checkNumber = transaction.stringForKey("checkNumber");
   row.reconcileStatus = transaction.integerForKey("reconcileStatus");
+  if (LObject* account = transaction.objectForKey("account")) {
+    row.fractionDigits = LArithmetic::getDecimalsForCurrency(account->stringForKey("currency"));
+  }
   row.transferAccount = nameOf(transaction.objectForKey("targetAccount"));
   for (LObject* line : sortedLines(transaction)) row.splits.push_back(splitRow(*line));
   return row;
@@ -104,6 +108,19 @@ std::string categoryFullName(LObject* category) {
   return name;
 }
 
+std::string exactMoneyText(const Amount& value, int minimumDigits) {
+  std::string text = value.stringValue();
+  if (value.isNaN() || minimumDigits <= 0) return text;
+  auto point = text.find('.');
+  if (point == std::string::npos) {
+    text += '.';
+    point = text.size() - 1;
+  }
+  const auto have = static_cast<int>(text.size() - point - 1);
+  if (have < minimumDigits) text.append(static_cast<size_t>(minimumDigits - have), '0');
+  return text;
+}
+
 std::string reconcileStatusName(int64_t status) {
   switch (status) {
     case 1:
@@ -132,9 +149,10 @@ std::vector<AccountRow> accountRows(DataBase& dataBase) {
        dataBase.instancesOfClass("Account", {.sortDescriptors = {{"name", true}}})) {
     LObject* type = account->objectForKey("type");
     const auto balance = balances.find(account);
-    rows.push_back({nameOf(account), type ? type->className() : std::string(),
-                    account->stringForKey("currency"),
-                    balance == balances.end() ? Amount::zero() : balance->second});
+    const std::string currency = account->stringForKey("currency");
+    rows.push_back({nameOf(account), type ? type->className() : std::string(), currency,
+                    balance == balances.end() ? Amount::zero() : balance->second,
+                    LArithmetic::getDecimalsForCurrency(currency)});
   }
   return rows;
 }
@@ -161,7 +179,7 @@ nlohmann::json accountsJson(const std::vector<AccountRow>& rows) {
     out.push_back({{"name", row.name},
                    {"type", row.type},
                    {"currency", row.currency},
-                   {"balance", row.balance.stringValue()}});
+                   {"balance", exactMoneyText(row.balance, row.fractionDigits)}});
   }
   return out;
 }
@@ -173,14 +191,14 @@ nlohmann::json transactionsJson(const std::vector<TransactionRow>& rows) {
     for (const SplitRow& split : row.splits) {
       splits.push_back({{"category", split.category},
                         {"tags", split.tags},
-                        {"amount", split.amount.stringValue()},
+                        {"amount", exactMoneyText(split.amount, row.fractionDigits)},
                         {"transfer", split.transfer},
                         {"note", split.note}});
     }
     out.push_back({{"id", row.id},
                    {"account", row.account},
                    {"date", formatDate(row.date)},
-                   {"amount", row.amount.stringValue()},
+                   {"amount", exactMoneyText(row.amount, row.fractionDigits)},
                    {"payee", row.payee},
                    {"note", row.note},
                    {"checkNumber", row.checkNumber},
@@ -194,22 +212,24 @@ nlohmann::json transactionsJson(const std::vector<TransactionRow>& rows) {
 void printAccounts(std::ostream& out, const std::vector<AccountRow>& rows) {
   for (const AccountRow& row : rows) {
     out << fmt::format("{:<24} {:<16} {:<4} {:>14}\n", row.name, row.type, row.currency,
-                       row.balance.stringValue());
+                       exactMoneyText(row.balance, row.fractionDigits));
   }
 }
 
 void printTransactions(std::ostream& out, const std::vector<TransactionRow>& rows) {
   for (const TransactionRow& row : rows) {
-    std::string line = fmt::format("{:>5}  {}  {:<16} {:>12}  {}", row.id, formatDate(row.date),
-                                   row.account, row.amount.stringValue(), row.payee);
+    std::string line =
+        fmt::format("{:>5}  {}  {:<16} {:>12}  {}", row.id, formatDate(row.date), row.account,
+                    exactMoneyText(row.amount, row.fractionDigits), row.payee);
     if (!row.transferAccount.empty()) line += " [transfer " + row.transferAccount + "]";
     if (!row.checkNumber.empty()) line += " #" + row.checkNumber;
     if (row.reconcileStatus != 0) line += " (" + reconcileStatusName(row.reconcileStatus) + ")";
     if (!row.note.empty()) line += "  \"" + row.note + "\"";
     out << line << '\n';
     for (const SplitRow& split : row.splits) {
-      std::string detail = fmt::format("         {:>12}  {}", split.amount.stringValue(),
-                                       split.category.empty() ? "-" : split.category);
+      std::string detail =
+          fmt::format("         {:>12}  {}", exactMoneyText(split.amount, row.fractionDigits),
+                      split.category.empty() ? "-" : split.category);
       if (!split.tags.empty()) detail += " tags=" + fmt::format("{}", fmt::join(split.tags, ","));
       if (!split.transfer.empty()) detail += " transfer=" + split.transfer;
       if (!split.note.empty()) detail += "  \"" + split.note + "\"";

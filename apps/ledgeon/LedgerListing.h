@@ -27,6 +27,7 @@ struct AccountRow {
   std::string type;  // the account type class: "Checking", "CreditCard" ...
   std::string currency;
   Amount balance;
+  int fractionDigits = 2;  // the currency's
 };
 
 struct SplitRow {
@@ -48,6 +49,7 @@ struct TransactionRow {
   int64_t reconcileStatus = 0;
   std::string transferAccount;
   std::vector<SplitRow> splits;
+  int fractionDigits = 2;  // of the account's currency
 };
 
 // "Food:Groceries": the category's name after its parents' names.
@@ -62,6 +64,10 @@ nlohmann::json accountsJson(const std::vector<AccountRow>& rows);
 nlohmann::json transactionsJson(const std::vector<TransactionRow>& rows);
 void printAccounts(std::ostream& out, const std::vector<AccountRow>& rows);
 void printTransactions(std::ostream& out, const std::vector<TransactionRow>& rows);
+
+// `value` exactly, with at least `minimumDigits` fraction digits ("-120" -> "-120.00"); digits
+// beyond them are kept, never rounded away.
+std::string exactMoneyText(const Amount& value, int minimumDigits);
 
 // The reconcile status codes as words: "uncleared", "cleared", "reconciled".
 std::string reconcileStatusName(int64_t status);
