@@ -234,20 +234,7 @@ LObject& LedgerShell::requireAccountType(const std::string& className) {
   throw CommandFailure("this document has no account type \"" + className + "\"");
 }
 
-void LedgerShell::accountRequest(const std::string& verb, const Arguments& arguments) {
-  if (verb == "list") {
-    requirePositional(arguments, 0, "account list [--json]");
-    const auto rows = accountRows(dataBase());
-    if (arguments.json) {
-      out_ << accountsJson(rows).dump(2) << '\n';
-    } else {
-      printAccounts(out_, rows);
-    }
-    return;
-  }
-  const char* usage = "account add|edit|delete NAME [options]";
-  requirePositional(arguments, 1, usage);
-  const std::string& name = arguments.positional[0];
+EditDict LedgerShell::accountChanges(const Arguments& arguments) {
   EditDict changes;
   if (const std::string* currency = option(arguments.options, "currency")) {
     if (!isCurrencyCode(*currency)) {
@@ -261,6 +248,34 @@ void LedgerShell::accountRequest(const std::string& verb, const Arguments& argum
   if (const std::string* notes = option(arguments.options, "notes")) {
     changes.set("notes", Value(*notes));
   }
+  return changes;
+}
+
+size_t LedgerShell::transactionCount(LObject& account) {
+  size_t count = 0;
+  for (LObject* transaction : dataBase().instancesOfClass("Transaction")) {
+    if (transaction->objectForKey("account") == &account ||
+        transaction->objectForKey("targetAccount") == &account) {
+      ++count;
+    }
+  }
+  return count;
+}
+
+void LedgerShell::accountRequest(const std::string& verb, const Arguments& arguments) {
+  if (verb == "list") {
+    requirePositional(arguments, 0, "account list [--json]");
+    const auto rows = accountRows(dataBase());
+    if (arguments.json) {
+      out_ << accountsJson(rows).dump(2) << '\n';
+    } else {
+      printAccounts(out_, rows);
+    }
+    return;
+  }
+  requirePositional(arguments, 1, "account add|edit|delete NAME [options]");
+  const std::string& name = arguments.positional[0];
+  EditDict changes = accountChanges(arguments);
   if (verb == "add") {
     allowOptions(arguments, {"type", "currency", "notes"}, "account add");
     if (name.empty()) throw CommandFailure("an account needs a name");
@@ -290,14 +305,7 @@ void LedgerShell::accountRequest(const std::string& verb, const Arguments& argum
   } else if (verb == "delete") {
     allowOptions(arguments, {}, "account delete");
     LObject& account = requireAccount(name);
-    size_t used = 0;
-    for (LObject* transaction : dataBase().instancesOfClass("Transaction")) {
-      if (transaction->objectForKey("account") == &account ||
-          transaction->objectForKey("targetAccount") == &account) {
-        ++used;
-      }
-    }
-    if (used > 0) {
+    if (const size_t used = transactionCount(account); used > 0) {
       throw CommandFailure("account \"" + name + "\" still has " + std::to_string(used) +
                            " transaction(s); delete them first");
     }

@@ -7,6 +7,9 @@
 #include <utility>
 #include <vector>
 
+#include "LObjects/Value.h"
+#include "Utilities/Amount.h"
+
 namespace ledgeon {
 class DataBase;
 class KVCommand;
@@ -47,11 +50,20 @@ class LedgerShell final {
                            const char* request);
 
   void accountRequest(const std::string& verb, const Arguments& arguments);
+  // The account properties the options set (currency=, type=, notes=).
+  EditDict accountChanges(const Arguments& arguments);
+  // The transactions that pay from or into the account.
+  size_t transactionCount(LObject& account);
   void categoryRequest(const std::string& verb, const Arguments& arguments);
   void tagRequest(const std::string& verb, const Arguments& arguments);
   void payeeRequest(const std::string& verb, const Arguments& arguments);
   void transactionRequest(const std::string& verb, const Arguments& arguments);
+  struct SplitRequest;
   void addTransaction(const Arguments& arguments);
+  // The split lines of a new transaction in `account`; they must add up to `total`. Sets the
+  // transaction's targetAccount when a line is a transfer.
+  std::vector<EditDict> transactionLines(const std::vector<SplitRequest>& splits, LObject& account,
+                                         const Amount& total, EditDict& properties);
   void editTransaction(const Arguments& arguments);
   void undo();
   void redo();

@@ -23,20 +23,20 @@ int64_t reconcileStatusCode(const std::string& text) {
   throw CommandFailure("status \"" + text + "\" is not uncleared, cleared or reconciled");
 }
 
+bool isSplitKey(const std::string& key) {
+  return key == "category" || key == "tags" || key == "transfer" || key == "memo";
+}
+
+}  // namespace
+
 // One split as the request describes it.
-struct SplitRequest {
+struct LedgerShell::SplitRequest {
   Amount amount;
   std::optional<std::string> category;
   std::optional<std::string> tags;
   std::optional<std::string> transfer;
   std::optional<std::string> memo;
 };
-
-bool isSplitKey(const std::string& key) {
-  return key == "category" || key == "tags" || key == "transfer" || key == "memo";
-}
-
-}  // namespace
 
 LObject& LedgerShell::requireTransaction(const std::string& id) {
   int64_t ledgeonId = 0;
@@ -130,6 +130,16 @@ void LedgerShell::addTransaction(const Arguments& arguments) {
     }
   }
 
+  std::vector<EditDict> lines = transactionLines(splits, account, total, properties);
+  auto create =
+      std::make_shared<CreateCashFlowTransactionCommand>(properties, std::move(lines), document_);
+  run(create, "the transaction was not created");
+  out_ << "Created transaction " << create->createdObject()->integerForKey("ledgeonId") << '\n';
+}
+
+std::vector<EditDict> LedgerShell::transactionLines(const std::vector<SplitRequest>& splits,
+                                                    LObject& account, const Amount& total,
+                                                    EditDict& properties) {
   Amount sum = Amount::zero();
   LObject* transferAccount = nullptr;
   std::vector<EditDict> lines;
@@ -155,11 +165,7 @@ void LedgerShell::addTransaction(const Arguments& arguments) {
                          total.stringValue());
   }
   if (transferAccount) properties.set("targetAccount", Value(transferAccount));
-
-  auto create =
-      std::make_shared<CreateCashFlowTransactionCommand>(properties, std::move(lines), document_);
-  run(create, "the transaction was not created");
-  out_ << "Created transaction " << create->createdObject()->integerForKey("ledgeonId") << '\n';
+  return lines;
 }
 
 void LedgerShell::editTransaction(const Arguments& arguments) {
