@@ -218,10 +218,10 @@ void printAccounts(std::ostream& out, const std::vector<AccountRow>& rows) {
 
 void printTransactions(std::ostream& out, const std::vector<TransactionRow>& rows) {
   for (const TransactionRow& row : rows) {
-    std::string line =
-        fmt::format("{:>5}  {}  {:<16} {:>12}  {}", row.id, formatDate(row.date), row.account,
-                    exactMoneyText(row.amount, row.fractionDigits), row.payee);
-    if (!row.transferAccount.empty()) line += " [transfer " + row.transferAccount + "]";
+    std::string line = fmt::format("{:>5}  {}  {:<16} {:>12}", row.id, formatDate(row.date),
+                                   row.account, exactMoneyText(row.amount, row.fractionDigits));
+    if (!row.payee.empty()) line += "  " + row.payee;
+    if (!row.transferAccount.empty()) line += "  [transfer " + row.transferAccount + "]";
     if (!row.checkNumber.empty()) line += " #" + row.checkNumber;
     if (row.reconcileStatus != 0) line += " (" + reconcileStatusName(row.reconcileStatus) + ")";
     if (!row.note.empty()) line += "  \"" + row.note + "\"";
