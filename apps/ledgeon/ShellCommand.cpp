@@ -77,7 +77,7 @@ void runShell(const LedgerOptions& options) {
       if (!interactive) {
         throw CommandFailure("line " + std::to_string(lineNumber) + ": " + failure.what());
       }
-      std::cout << "error: " << failure.what() << '\n';
+      std::cerr << "error: " << failure.what() << '\n';
     }
   }
 }

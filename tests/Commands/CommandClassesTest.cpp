@@ -255,6 +255,18 @@ TEST_F(CommandInstancesTest, FamilyCommandRefusesAnEntityOfAnotherClass) {
                std::logic_error);
 }
 
+// A kind without a creation command of its own is made by its parent's, as itself.
+TEST_F(CommandInstancesTest, ParentCreationCommandMakesTheKindAskedFor) {
+  auto create =
+      LCommandClasses::createCommandForEntity("AccountTag", {{"name", Value("Joint")}}, document_);
+  ASSERT_NE(create, nullptr);
+  EXPECT_EQ(create->className(), "CreateTagCommand");
+  ASSERT_TRUE(create->execute());
+  EXPECT_EQ(create->createdObject()->className(), "AccountTag");
+  EXPECT_EQ(LCommandClasses::createCommandForEntity("Checking", {}, document_), nullptr);
+  EXPECT_EQ(LCommandClasses::makeCreateCommand("CreateNothingCommand", {}, document_), nullptr);
+}
+
 TEST(CommandClassesTest, EntityClassesFindTheirCommands) {
   struct Case {
     const char* entity;
