@@ -186,7 +186,7 @@ class DataBase final : public LObjectContext {
   std::unordered_map<LObject*, ChangeRecord> updated_;
   std::vector<LObject*> deleted_;
   std::set<std::string> modifiedEntityTypes_;
-  std::unordered_map<std::string, LObject*> documentPropertyCache_;
+  NameMap<LObject*> documentPropertyCache_;
   ReaderCommitterLock lock_;
   std::mutex threadDictionariesLock_;
   std::map<std::thread::id, std::unique_ptr<sql::Connection>> threadDictionaries_;
