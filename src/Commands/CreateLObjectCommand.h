@@ -1,0 +1,42 @@
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "Commands/CreationRetraction.h"
+#include "Commands/KVCommand.h"
+#include "LObjects/Value.h"
+
+namespace ledgeon {
+
+// Creates one entity of `objectClass` from a property dictionary. Undo clears the new entity's
+// relationships and soft-deletes it; redo undeletes it and restores the links, so redo brings back
+// the very same object with its identifiers.
+class CreateLObjectCommand : public KVCommand {
+ public:
+  CreateLObjectCommand(std::string objectClass, EditDict properties,
+                       std::shared_ptr<LCommandDocument> document = nullptr);
+  std::string className() const override { return "CreateLObjectCommand"; }
+
+  bool doit() override;
+  void undoit() override;
+  void redoit() override;
+  // The localised noun of the created class ("UndoNoun_<class>").
+  std::string commandNoun() override;
+
+  LObject* createdObject() const { return firstSource(); }
+  const EditDict& properties() const { return properties_; }
+
+ protected:
+  // Creates the entity inside the command's store transaction; subclasses that build more than
+  // one object override it (and undo what they built in undoCreation/redoCreation).
+  virtual LObject* createObject(EditDict properties);
+  virtual void undoCreation() {}
+  virtual void redoCreation() {}
+
+ private:
+  EditDict properties_;
+  CreationRetraction retraction_;
+};
+
+}  // namespace ledgeon
