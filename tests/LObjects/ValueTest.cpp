@@ -16,6 +16,8 @@ TEST(ValueTest, AmountsKeepEveryPartThroughCopiesAndMoves) {
   const UInt128 twoTo64 = UInt128{1} << 64;
   const Amount cases[] = {
       Amount::zero(),
+      Amount::fromString("0.00"),
+      Amount::fromString("-0"),
       Amount::fromString("-0.01"),
       Amount::fromString("1234.5600"),
       Amount::fromParts(twoTo64 - 1, -4, true),
