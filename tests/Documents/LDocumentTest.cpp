@@ -331,6 +331,22 @@ TEST(LDocumentTest, RefusesWhatItCannotOpenAndLeavesNoLockBehind) {
   }
 }
 
+TEST(LDocumentTest, OpeningCleansUpLeftOversAndRepairsPermissions) {
+  DocumentTestEnvironment environment;
+  const fs::path path = environment.path("Worn.ledgeon");
+  createDocument(path)->close();
+  std::ofstream(path / "DBMigrationtemp_123") << "interrupted";
+  std::ofstream(path / "olddata") << "old";
+  fs::remove_all(path / "calendars");  // a folder an older version did not make
+  fs::permissions(path / "reports", fs::perms::owner_read | fs::perms::owner_exec);
+  auto document = openDocument(path);
+  ASSERT_TRUE(document);
+  EXPECT_FALSE(fs::exists(path / "DBMigrationtemp_123"));
+  EXPECT_FALSE(fs::exists(path / "olddata"));
+  EXPECT_TRUE(fs::is_directory(path / "calendars"));
+  EXPECT_NE(fs::status(path / "reports").permissions() & fs::perms::owner_write, fs::perms::none);
+}
+
 TEST(LDocumentTest, CancellingTheLockQuestionIsAUserCancel) {
   DocumentTestEnvironment environment;
   const fs::path path = environment.path("Held.ledgeon");
