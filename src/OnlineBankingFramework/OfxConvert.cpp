@@ -1,5 +1,9 @@
 #include "OnlineBankingFramework/OfxConvert.h"
 
+#include <cstring>
+#include <unordered_map>
+#include <vector>
+
 #include "OnlineBankingFramework/OFXRoot.h"
 #include "OnlineBankingFramework/OFXText.h"
 
@@ -10,33 +14,61 @@ namespace {
 constexpr std::string_view kMessageBodyStart = "<MSGBODY>";
 constexpr std::string_view kMessageBodyEnd = "</MSGBODY>";
 
-// Removes CR and LF and turns tabs into blanks in `part`, appending to `out`.
-void appendWithoutLineBreaks(std::string& out, std::string_view part) {
-  for (char c : part) {
-    if (c == '\r' || c == '\n') continue;
-    out.push_back(c == '\t' ? ' ' : c);
-  }
-}
+// Writes the whitespace clean-up back into the text it reads, which never grows: outside
+// <MSGBODY> spans CR and LF go and tabs become blanks; then, everywhere, runs of blanks that
+// follow ">" or precede "<" go. Blanks are held back until the next character shows whether
+// a tag follows them.
+class WhiteSpaceStripper {
+ public:
+  explicit WhiteSpaceStripper(std::string& text) : text_(text) {}
 
-// Drops runs of blanks that follow ">" or precede "<".
-std::string dropBlanksAroundTags(std::string_view text) {
-  std::string out;
-  out.reserve(text.size());
-  size_t i = 0;
-  while (i < text.size()) {
-    if (text[i] != ' ') {
-      out.push_back(text[i++]);
-      continue;
+  void run() {
+    size_t position = 0;
+    while (position < text_.size()) {
+      const size_t bodyStart = text_.find(kMessageBodyStart, position);
+      if (bodyStart == std::string::npos) break;
+      copyWithoutLineBreaks(position, bodyStart);
+      size_t bodyEnd = text_.find(kMessageBodyEnd, bodyStart);
+      bodyEnd = bodyEnd == std::string::npos ? text_.size() : bodyEnd + kMessageBodyEnd.size();
+      for (size_t i = bodyStart; i < bodyEnd; ++i) put(text_[i]);
+      position = bodyEnd;
     }
-    size_t end = i;
-    while (end < text.size() && text[end] == ' ') ++end;
-    const bool afterTag = !out.empty() && out.back() == '>';
-    const bool beforeTag = end < text.size() && text[end] == '<';
-    if (!afterTag && !beforeTag) out.append(text.substr(i, end - i));
-    i = end;
+    copyWithoutLineBreaks(position, text_.size());
+    if (!lastWasTag_) writeBlanks();  // trailing blanks stay unless they follow a tag
+    text_.resize(written_);
   }
-  return out;
-}
+
+ private:
+  void copyWithoutLineBreaks(size_t from, size_t to) {
+    for (size_t i = from; i < to; ++i) {
+      const char c = text_[i];
+      if (c == '\r' || c == '\n') continue;
+      put(c == '\t' ? ' ' : c);
+    }
+  }
+
+  // Held-back blanks are written as blanks; the text read so far is always ahead of them.
+  void put(char c) {
+    if (c == ' ') {
+      ++blanks_;
+      return;
+    }
+    if (!lastWasTag_ && c != '<') writeBlanks();
+    blanks_ = 0;
+    text_[written_++] = c;
+    lastWasTag_ = c == '>';
+  }
+
+  void writeBlanks() {
+    std::memset(text_.data() + written_, ' ', blanks_);
+    written_ += blanks_;
+  }
+
+  std::string& text_;
+  size_t written_ = 0;
+  size_t blanks_ = 0;
+  bool lastWasTag_ = false;
+};
 
 // The next start tag at or after `from`: "<", a character other than "/" and "!", then the
 // shortest run up to ">" on the same line. Returns its [begin, end) or npos.
@@ -65,36 +97,89 @@ size_t leafValueEnd(std::string_view text, size_t from) {
   return next == std::string_view::npos ? text.size() : next;
 }
 
+// Where each end tag stands, so that finding the end tag of a start tag costs a lookup instead of
+// a scan of the rest of its aggregate (a statement's transaction list spans most of the file).
+class EndTagIndex {
+ public:
+  explicit EndTagIndex(std::string_view text) : text_(text) {
+    size_t nextClose = 0;  // the first ">" at or after the name being read
+    for (size_t lt = text.find("</"); lt != std::string_view::npos; lt = text.find("</", lt + 1)) {
+      const size_t nameStart = lt + 2;
+      if (nextClose < nameStart) nextClose = text.find('>', nameStart);
+      if (nextClose == std::string_view::npos) break;
+      tags_[text.substr(nameStart, nextClose - nameStart)].positions.push_back(lt);
+    }
+  }
+
+  // The first "</name>" that starts at or after `from` and ends by `limit`; npos when none.
+  // Successive calls for one name must not go backwards.
+  size_t find(std::string_view name, size_t from, size_t limit) {
+    if (name.find('>') != std::string_view::npos) {
+      // Such a name cannot be an indexed one: search for it literally.
+      const std::string closing = "</" + std::string(name) + ">";
+      return text_.substr(0, limit).find(closing, from);
+    }
+    auto it = tags_.find(name);
+    if (it == tags_.end()) return std::string_view::npos;
+    Occurrences& occurrences = it->second;
+    const auto& positions = occurrences.positions;
+    while (occurrences.next < positions.size() && positions[occurrences.next] < from) {
+      ++occurrences.next;
+    }
+    if (occurrences.next == positions.size()) return std::string_view::npos;
+    const size_t at = positions[occurrences.next];
+    return at + name.size() + 3 <= limit ? at : std::string_view::npos;
+  }
+
+ private:
+  struct Occurrences {
+    std::vector<size_t> positions;
+    size_t next = 0;
+  };
+  std::string_view text_;
+  std::unordered_map<std::string_view, Occurrences> tags_;
+};
+
 }  // namespace
 
 std::string OfxConvert::stripWhiteSpace(std::string_view text) {
-  std::string joined;
-  joined.reserve(text.size());
-  size_t position = 0;
-  while (position < text.size()) {
-    const size_t bodyStart = text.find(kMessageBodyStart, position);
-    if (bodyStart == std::string_view::npos) break;
-    appendWithoutLineBreaks(joined, text.substr(position, bodyStart - position));
-    size_t bodyEnd = text.find(kMessageBodyEnd, bodyStart);
-    bodyEnd = bodyEnd == std::string_view::npos ? text.size() : bodyEnd + kMessageBodyEnd.size();
-    joined.append(text.substr(bodyStart, bodyEnd - bodyStart));
-    position = bodyEnd;
-  }
-  if (position < text.size()) appendWithoutLineBreaks(joined, text.substr(position));
-  return dropBlanksAroundTags(joined);
+  std::string stripped(text);
+  WhiteSpaceStripper(stripped).run();
+  return stripped;
 }
 
 std::string OfxConvert::convertOFXToXML(std::string_view text) {
-  OfxConvert converter(stripWhiteSpace(text));
-  if (!OFXRoot::isXMLOFX(converter.text())) {
-    converter.stripOldOfxHeader();
-    converter.stripAnythingAfterClosingOfx();
-    converter.trimLeadingPlusSigns();
-    converter.replaceXMLEntityReferences();
-    converter.insertEndTagsAndNewHeader();
-  }
+  return convertOFXToXML(std::string(text));
+}
+
+bool OfxConvert::prepare() {
+  WhiteSpaceStripper(text_).run();
+  if (OFXRoot::isXMLOFX(text_)) return false;
+  stripOldOfxHeader();
+  stripAnythingAfterClosingOfx();
+  trimLeadingPlusSigns();
+  replaceXMLEntityReferences();
+  return true;
+}
+
+std::string OfxConvert::convertOFXToXML(std::string&& text) {
+  OfxConvert converter(std::move(text));
+  if (converter.prepare()) converter.insertEndTagsAndNewHeader();
   converter.convertOFXToXML();
   return std::move(converter.text_);
+}
+
+void OfxConvert::convertOFXToXML(std::string&& text, const Sink& sink) {
+  OfxConvert converter(std::move(text));
+  if (converter.prepare()) {
+    std::string out;
+    converter.insertEndTags(out, &sink);
+    converter.convertOFXToXML();
+    sink(out);
+  } else {
+    converter.convertOFXToXML();
+    sink(converter.text_);
+  }
 }
 
 void OfxConvert::stripOldOfxHeader() {
@@ -109,15 +194,14 @@ void OfxConvert::stripAnythingAfterClosingOfx() {
 }
 
 void OfxConvert::trimLeadingPlusSigns() {
-  std::string out;
-  out.reserve(text_.size());
+  size_t written = 0;
   for (size_t i = 0; i < text_.size(); ++i) {
-    out.push_back(text_[i]);
+    text_[written++] = text_[i];
     if (text_[i] == '>') {
       while (i + 1 < text_.size() && text_[i + 1] == '+') ++i;
     }
   }
-  text_ = std::move(out);
+  text_.resize(written);
 }
 
 void OfxConvert::replaceXMLEntityReferences() {
@@ -125,11 +209,18 @@ void OfxConvert::replaceXMLEntityReferences() {
 }
 
 void OfxConvert::insertEndTagsAndNewHeader() {
-  const std::string_view text = text_;
   std::string out;
-  out.reserve(text.size() + text.size() / 2 + kXMLPrologue.size());
+  out.reserve(text_.size() + text_.size() / 2 + kXMLPrologue.size());
+  insertEndTags(out, nullptr);
+  text_ = std::move(out);
+}
+
+void OfxConvert::insertEndTags(std::string& out, const Sink* sink) const {
+  constexpr size_t kPieceSize = 1 << 20;
+  const std::string_view text = text_;
+  EndTagIndex endTags(text);
+  if (sink) out.reserve(kPieceSize + 4096);
   out.append(kXMLPrologue);
-  std::string closing;
   size_t position = 0;
   size_t limit = text.size();
   for (;;) {
@@ -137,9 +228,8 @@ void OfxConvert::insertEndTagsAndNewHeader() {
     if (tagBegin == std::string_view::npos) break;
     if (tagBegin >= limit) limit = text.size();
     out.append(text.substr(position, tagEnd - position));
-    closing.assign("</");
-    closing.append(text.substr(tagBegin + 1, tagEnd - tagBegin - 1));
-    const size_t found = text.substr(0, limit).find(closing, tagEnd);
+    const std::string_view name = text.substr(tagBegin + 1, tagEnd - tagBegin - 2);
+    const size_t found = endTags.find(name, tagEnd, limit);
     if (found != std::string_view::npos) {
       // An aggregate: its leaves must not pair with an end tag beyond it.
       limit = found;
@@ -148,11 +238,14 @@ void OfxConvert::insertEndTagsAndNewHeader() {
     }
     const size_t valueEnd = leafValueEnd(text, tagEnd);
     out.append(text.substr(tagEnd, valueEnd - tagEnd));
-    out.append(closing);
+    out.append("</").append(name).append(">");
     position = valueEnd;
+    if (sink && out.size() >= kPieceSize) {
+      (*sink)(out);
+      out.clear();
+    }
   }
   out.append(text.substr(position));
-  text_ = std::move(out);
 }
 
 void OfxConvert::convertOFXToXML() {}
