@@ -1,8 +1,13 @@
 #include "OnlineBankingFramework/OfxConvert.h"
 
+#include <algorithm>
+#include <cstdint>
 #include <cstring>
 #include <unordered_map>
 #include <vector>
+
+#include <sys/mman.h>
+#include <unistd.h>
 
 #include "OnlineBankingFramework/OFXRoot.h"
 #include "OnlineBankingFramework/OFXText.h"
@@ -39,11 +44,30 @@ class WhiteSpaceStripper {
   }
 
  private:
+  static bool isPrintable(char c) { return static_cast<unsigned char>(c) > ' '; }
+
   void copyWithoutLineBreaks(size_t from, size_t to) {
-    for (size_t i = from; i < to; ++i) {
+    size_t i = from;
+    while (i < to) {
       const char c = text_[i];
-      if (c == '\r' || c == '\n') continue;
-      put(c == '\t' ? ' ' : c);
+      if (!isPrintable(c)) {
+        if (c != '\r' && c != '\n') put(c == '\t' ? ' ' : c);
+        ++i;
+        continue;
+      }
+      // A run with neither blanks nor line breaks moves as one block, once its first character
+      // has settled the blanks held back before it.
+      size_t end = i + 1;
+      while (end < to && isPrintable(text_[end])) ++end;
+      put(c);
+      const size_t rest = end - i - 1;
+      if (rest > 0) {
+        const char last = text_[end - 1];
+        std::memmove(text_.data() + written_, text_.data() + i + 1, rest);
+        written_ += rest;
+        lastWasTag_ = last == '>';
+      }
+      i = end;
     }
   }
 
@@ -140,6 +164,20 @@ class EndTagIndex {
   std::unordered_map<std::string_view, Occurrences> tags_;
 };
 
+// Gives the whole pages of `text` before `consumed` (and after `releasedUpTo`) back to the system;
+// they read as zeros afterwards. The first page stays: the allocator keeps its records there when
+// the string is freed. Returns the new end of what was given back.
+uintptr_t releasePagesBefore(std::string& text, size_t consumed, uintptr_t releasedUpTo) {
+  static const auto kPage = static_cast<uintptr_t>(sysconf(_SC_PAGESIZE));
+  consumed = std::min(consumed, text.size());
+  const auto begin = reinterpret_cast<uintptr_t>(text.data());
+  const uintptr_t from = std::max((begin / kPage + 1) * kPage, releasedUpTo);
+  const uintptr_t to = (begin + consumed) / kPage * kPage;
+  if (to <= from) return releasedUpTo;
+  madvise(reinterpret_cast<void*>(from), to - from, MADV_DONTNEED);
+  return to;
+}
+
 }  // namespace
 
 std::string OfxConvert::stripWhiteSpace(std::string_view text) {
@@ -174,11 +212,17 @@ void OfxConvert::convertOFXToXML(std::string&& text, const Sink& sink) {
   if (converter.prepare()) {
     std::string out;
     converter.insertEndTags(out, &sink);
+    converter.text_.clear();  // used up
     converter.convertOFXToXML();
     sink(out);
   } else {
     converter.convertOFXToXML();
-    sink(converter.text_);
+    constexpr size_t kPieceSize = 1 << 20;
+    uintptr_t releasedUpTo = 0;
+    for (size_t position = 0; position < converter.text_.size(); position += kPieceSize) {
+      sink(std::string_view(converter.text_).substr(position, kPieceSize));
+      releasedUpTo = releasePagesBefore(converter.text_, position + kPieceSize, releasedUpTo);
+    }
   }
 }
 
@@ -215,10 +259,11 @@ void OfxConvert::insertEndTagsAndNewHeader() {
   text_ = std::move(out);
 }
 
-void OfxConvert::insertEndTags(std::string& out, const Sink* sink) const {
+void OfxConvert::insertEndTags(std::string& out, const Sink* sink) {
   constexpr size_t kPieceSize = 1 << 20;
   const std::string_view text = text_;
   EndTagIndex endTags(text);
+  uintptr_t releasedUpTo = 0;
   if (sink) out.reserve(kPieceSize + 4096);
   out.append(kXMLPrologue);
   size_t position = 0;
@@ -243,6 +288,8 @@ void OfxConvert::insertEndTags(std::string& out, const Sink* sink) const {
     if (sink && out.size() >= kPieceSize) {
       (*sink)(out);
       out.clear();
+      // Nothing before `position` is read again.
+      releasedUpTo = releasePagesBefore(text_, position, releasedUpTo);
     }
   }
   out.append(text.substr(position));

@@ -46,8 +46,9 @@ class OfxConvert final {
  private:
   // Strips white space and, for SGML, runs the steps before the end tags; true for SGML.
   bool prepare();
-  // The end-tag step, writing to `out`; with a sink, `out` is handed over whenever it grows large.
-  void insertEndTags(std::string& out, const Sink* sink) const;
+  // The end-tag step, writing to `out`. With a sink, `out` is handed over whenever it grows large
+  // and the text is used up as it goes: its pages already converted go back to the system.
+  void insertEndTags(std::string& out, const Sink* sink);
 
   std::string text_;
 };
