@@ -238,12 +238,18 @@ void OfxConvert::stripAnythingAfterClosingOfx() {
 }
 
 void OfxConvert::trimLeadingPlusSigns() {
+  // Moves the text between one ">" and the next as a block, skipping the "+" run after each ">".
+  const size_t size = text_.size();
   size_t written = 0;
-  for (size_t i = 0; i < text_.size(); ++i) {
-    text_[written++] = text_[i];
-    if (text_[i] == '>') {
-      while (i + 1 < text_.size() && text_[i + 1] == '+') ++i;
-    }
+  size_t position = 0;
+  while (position < size) {
+    const size_t close = text_.find('>', position);
+    const size_t end = close == std::string::npos ? size : close + 1;
+    if (written != position)
+      std::memmove(text_.data() + written, text_.data() + position, end - position);
+    written += end - position;
+    position = end;
+    while (position < size && text_[position] == '+') ++position;
   }
   text_.resize(written);
 }
