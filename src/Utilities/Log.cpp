@@ -63,7 +63,7 @@ void Log::setEchoToStandardError(bool echo) {
   s.updateDestinationsLocked();
 }
 
-bool Log::hasDestination() { return state().hasDestination.load(std::memory_order_relaxed); }
+bool Log::hasDestination() { return state().hasDestination.load(); }
 
 LogCapture::LogCapture() {
   auto& s = state();
