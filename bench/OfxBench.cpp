@@ -80,17 +80,31 @@ std::string statementText(bool xml) {
   return text;
 }
 
+// A generated statement in the temporary folder, removed when the program ends.
+class BenchFile final {
+ public:
+  explicit BenchFile(bool xml)
+      : path_(std::filesystem::temp_directory_path() /
+              (std::string("ledgeon-bench-") + std::to_string(getpid()) +
+               (xml ? "-v211.ofx" : "-v102.ofx"))) {
+    std::ofstream(path_, std::ios::binary) << statementText(xml);
+  }
+  ~BenchFile() {
+    std::error_code ignored;
+    std::filesystem::remove(path_, ignored);
+  }
+  BenchFile(const BenchFile&) = delete;
+  BenchFile& operator=(const BenchFile&) = delete;
+  const std::filesystem::path& path() const { return path_; }
+
+ private:
+  std::filesystem::path path_;
+};
+
 const std::filesystem::path& benchFile(bool xml) {
-  static const auto make = [](bool asXML) {
-    const auto path = std::filesystem::temp_directory_path() /
-                      (std::string("ledgeon-bench-") + std::to_string(getpid()) +
-                       (asXML ? "-v211.ofx" : "-v102.ofx"));
-    std::ofstream(path, std::ios::binary) << statementText(asXML);
-    return path;
-  };
-  static const std::filesystem::path sgml = make(false);
-  static const std::filesystem::path xmlFile = make(true);
-  return xml ? xmlFile : sgml;
+  static const BenchFile sgml(false);
+  static const BenchFile xmlFile(true);
+  return xml ? xmlFile.path() : sgml.path();
 }
 
 std::string readOnce(const std::filesystem::path& path) {
