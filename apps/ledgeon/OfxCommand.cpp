@@ -12,6 +12,15 @@
 #include "Subcommand.h"
 #include "Utilities/Resources.h"
 
+// OFX element texts print as their text.
+template <>
+struct fmt::formatter<ledgeon::OFXString> : fmt::formatter<std::string_view> {
+  template <typename FormatContext>
+  auto format(const ledgeon::OFXString& text, FormatContext& context) const {
+    return fmt::formatter<std::string_view>::format(text.view(), context);
+  }
+};
+
 namespace ledgeon::cli {
 
 namespace {
@@ -64,11 +73,12 @@ void printStatement(std::ostream& out, const OFXStatement& statement) {
   }
   for (const auto& transaction : statement.transactions()) {
     const auto& posted = transaction->datePostedString();
-    out << fmt::format(
-        "    {:<8} {:>14} {:<12} {}{}\n", posted.substr(0, 8), transaction->amount().stringValue(),
-        transaction->transactionType().empty() ? transaction->type()
-                                               : transaction->transactionType(),
-        transaction->name(), transaction->memo().empty() ? "" : " / " + transaction->memo());
+    out << fmt::format("    {:<8} {:>14} {:<12} {}{}\n", posted.view().substr(0, 8),
+                       transaction->amount().stringValue(),
+                       transaction->transactionType().empty() ? transaction->type()
+                                                              : transaction->transactionType(),
+                       transaction->name(),
+                       transaction->memo().empty() ? "" : " / " + transaction->memo());
   }
   if (const auto* inv = dynamic_cast<const OFXInvStatement*>(&statement)) {
     for (const auto& position : inv->positions()) {

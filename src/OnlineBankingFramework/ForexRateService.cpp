@@ -42,7 +42,7 @@ Result<std::vector<ForexQuoteRecord>> ForexRateService::decodeAnswer(
   const Date now = Clock::now();
   for (const auto& rate : rates->rates()) {
     const std::string to =
-        rate->toCurrency().empty() ? std::string(homeCurrency) : rate->toCurrency();
+        rate->toCurrency().empty() ? std::string(homeCurrency) : rate->toCurrency().str();
     const bool wanted =
         std::find(currencies.begin(), currencies.end(), rate->fromCurrency()) != currencies.end();
     if (!wanted || to != homeCurrency || rate->fromCurrency() == homeCurrency ||

@@ -2,6 +2,7 @@
 
 #include <map>
 #include <mutex>
+#include <ostream>
 
 #include "OnlineBankingFramework/internal/OFXClassList.h"
 
@@ -83,6 +84,8 @@ void OFXObject::registerClass(const OFXClassInfo& info) {
   std::lock_guard lock(r.mutex);
   addClassLocked(r, info);
 }
+
+std::ostream& operator<<(std::ostream& out, const OFXString& text) { return out << text.view(); }
 
 namespace ofx_detail {
 

@@ -12,6 +12,7 @@
 
 #include <nlohmann/json.hpp>
 
+#include "OnlineBankingFramework/OFXString.h"
 #include "Utilities/Amount.h"
 #include "Utilities/Date.h"
 
@@ -20,7 +21,6 @@ namespace ledgeon {
 class OFXObject;
 
 // Property types of the message classes. A date is optional: OFX leaves many out.
-using OFXString = std::string;
 using OFXDate = std::optional<Date>;
 template <typename T>
 using OFXRef = std::unique_ptr<T>;
@@ -132,6 +132,12 @@ bool assignValue(T& slot, OFXMappedValue&& value) {
       slot.emplace_back(typed);
     }
     return true;
+  } else if constexpr (std::is_same_v<T, OFXString>) {
+    if (auto* text = std::get_if<std::string>(&value)) {
+      slot = *text;
+      return true;
+    }
+    return false;
   } else if constexpr (std::is_same_v<T, OFXDate>) {
     if (auto* date = std::get_if<Date>(&value)) {
       slot = *date;
@@ -159,6 +165,8 @@ nlohmann::json valueToJSON(const T& slot) {
     return dateToJSON(slot);
   } else if constexpr (std::is_same_v<T, Amount>) {
     return amountToJSON(slot);
+  } else if constexpr (std::is_same_v<T, OFXString>) {
+    return slot.str();
   } else {
     return slot;
   }

@@ -1,5 +1,7 @@
 #include "OnlineBankingFramework/OFXRootController.h"
 
+#include <cstdint>
+#include <cstring>
 #include <fstream>
 
 #include <unicode/ucnv.h>
@@ -14,9 +16,20 @@ namespace ledgeon {
 
 namespace {
 
+bool isASCIIWord(const char* bytes) {
+  uint64_t word = 0;
+  std::memcpy(&word, bytes, sizeof word);
+  return (word & 0x8080808080808080ULL) == 0;
+}
+
 bool isValidUTF8(std::string_view text) {
   size_t i = 0;
   while (i < text.size()) {
+    // Plain ASCII, the bulk of any statement, eight bytes at a time.
+    while (i + sizeof(uint64_t) <= text.size() && isASCIIWord(text.data() + i)) {
+      i += sizeof(uint64_t);
+    }
+    if (i == text.size()) break;
     const auto c = static_cast<unsigned char>(text[i]);
     size_t extra = 0;
     if (c < 0x80) {
@@ -73,10 +86,11 @@ std::string OFXRootController::decodeOFXText(std::string bytesIn) {
 }
 
 std::unique_ptr<OFXRoot> OFXRootController::parseOFXText(std::string text, bool isDirectConnect) {
-  const std::string xml = OfxConvert::convertOFXToXML(text);
-  std::string().swap(text);  // the XML form is all that is needed from here on
   const auto mapping = XMLMapping::fromFile(resourcePath("ofxXMLMapping.xml"), "OFX");
-  std::unique_ptr<OFXObject> object = mapping->unmarshal(xml);
+  // The XML is parsed as the converter makes it: a large statement's XML form is never whole.
+  XMLMapping::Reader reader(*mapping);
+  OfxConvert::convertOFXToXML(std::move(text), [&](std::string_view piece) { reader.feed(piece); });
+  std::unique_ptr<OFXObject> object = reader.finish();
   std::unique_ptr<OFXRoot> root(dynamic_cast<OFXRoot*>(object.get()));
   if (!root) throw OFXException("InvalidMapping", "the OFX mapping does not make an OFXRoot");
   object.release();
@@ -130,17 +144,17 @@ void OFXRootController::failWith(const std::string& message) {
 
 std::string OFXRootController::accountID(size_t index) const {
   const auto& statements = root_->statements();
-  return index < statements.size() ? statements[index]->acctID() : std::string();
+  return index < statements.size() ? statements[index]->acctID().str() : std::string();
 }
 
 std::string OFXRootController::acctType(size_t index) const {
   const auto& statements = root_->statements();
-  return index < statements.size() ? statements[index]->acctType() : std::string();
+  return index < statements.size() ? statements[index]->acctType().str() : std::string();
 }
 
 std::string OFXRootController::statementEndDateString() const {
   const auto& statements = root_->statements();
-  return statements.empty() ? std::string() : statements.front()->statementEndDateString();
+  return statements.empty() ? std::string() : statements.front()->statementEndDateString().str();
 }
 
 }  // namespace ledgeon

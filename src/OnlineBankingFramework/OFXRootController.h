@@ -28,16 +28,16 @@ class OFXRootController final {
   OFXRoot& root() { return *root_; }
   const OFXRoot& root() const { return *root_; }
   const OFXList<OFXStatement>& statements() const { return root_->statements(); }
-  const std::string& userID() const { return root_->userID(); }
+  const OFXString& userID() const { return root_->userID(); }
   const OFXProfile* profile() const { return root_->FIProfileData().get(); }
   int64_t statusResult() const { return root_->statusResult(); }
-  const std::string& statusSeverity() const { return root_->ofxStatus().severity(); }
-  const std::string& statusMessage() const { return root_->ofxStatus().message(); }
+  const OFXString& statusSeverity() const { return root_->ofxStatus().severity(); }
+  const OFXString& statusMessage() const { return root_->ofxStatus().message(); }
   // The account id and type of the statement at `index`; empty past the end.
   std::string accountID(size_t index) const;
   std::string acctType(size_t index) const;
-  const std::string& bid() const { return root_->bid(); }
-  const std::string& org() const { return root_->org(); }
+  const OFXString& bid() const { return root_->bid(); }
+  const OFXString& org() const { return root_->org(); }
   // The DTEND of the first statement.
   std::string statementEndDateString() const;
   void setBID(std::string bid) { root_->setBid(std::move(bid)); }

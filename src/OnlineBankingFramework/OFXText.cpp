@@ -2,6 +2,7 @@
 
 #include <cctype>
 #include <cstdint>
+#include <utility>
 
 namespace ledgeon {
 
@@ -54,12 +55,19 @@ std::string replaceXMLEntityReferences(std::string_view text) {
 }
 
 std::string restoreStandardXMLEntities(std::string_view text) {
-  if (text.find("zXz") == std::string_view::npos) return std::string(text);
-  std::string out = replaceAll(text, kOFXAmpersandMarker, "&");
-  out = replaceAll(out, kOFXApostropheMarker, "'");
-  out = replaceAll(out, kOFXQuoteMarker, "\"");
-  out = replaceAll(out, kOFXLessThanMarker, "<");
-  return replaceAll(out, kOFXGreaterThanMarker, ">");
+  static constexpr std::pair<std::string_view, std::string_view> kMarkers[] = {
+      {kOFXAmpersandMarker, "&"},
+      {kOFXApostropheMarker, "'"},
+      {kOFXQuoteMarker, "\""},
+      {kOFXLessThanMarker, "<"},
+      {kOFXGreaterThanMarker, ">"}};
+  std::string out(text);
+  if (text.find("zXz") == std::string_view::npos) return out;
+  // One marker after the other, each over the previous one's result: markers can overlap.
+  for (const auto& [marker, character] : kMarkers) {
+    if (out.find(marker) != std::string::npos) out = replaceAll(out, marker, character);
+  }
+  return out;
 }
 
 std::string reformatForSGML(std::string_view text) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <string>
 #include <string_view>
 
@@ -11,6 +12,15 @@ class OfxConvert final {
  public:
   // The whole conversion, in its fixed order of steps.
   static std::string convertOFXToXML(std::string_view text);
+  // The same, reusing the text's storage: a statement file can be large.
+  static std::string convertOFXToXML(std::string&& text);
+  static std::string convertOFXToXML(const char* text) {
+    return convertOFXToXML(std::string_view(text));
+  }
+  // The same, handing the XML to `sink` in pieces as they are made instead of returning it, so
+  // that a reader can parse a large statement without ever holding its whole XML form.
+  using Sink = std::function<void(std::string_view piece)>;
+  static void convertOFXToXML(std::string&& text, const Sink& sink);
   // Outside <MSGBODY> spans drops CR and LF and turns tabs into blanks; then drops blanks between
   // a tag and its value everywhere.
   static std::string stripWhiteSpace(std::string_view text);
@@ -34,6 +44,12 @@ class OfxConvert final {
   const std::string& text() const { return text_; }
 
  private:
+  // Strips white space and, for SGML, runs the steps before the end tags; true for SGML.
+  bool prepare();
+  // The end-tag step, writing to `out`. With a sink, `out` is handed over whenever it grows large
+  // and the text is used up as it goes: its pages already converted go back to the system.
+  void insertEndTags(std::string& out, const Sink* sink);
+
   std::string text_;
 };
 

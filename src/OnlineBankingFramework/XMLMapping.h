@@ -52,6 +52,23 @@ class XMLMapping final {
   // ("Passed nil for value input string!").
   std::unique_ptr<OFXObject> unmarshal(std::string_view xml) const;
 
+  // unmarshal for XML that arrives in pieces: feed each piece in order, then finish. Throws as
+  // unmarshal does, as soon as a piece shows the failure. The mapping must outlive the reader.
+  class Reader final {
+   public:
+    explicit Reader(const XMLMapping& mapping);
+    ~Reader();
+    Reader(const Reader&) = delete;
+    Reader& operator=(const Reader&) = delete;
+
+    void feed(std::string_view piece);
+    std::unique_ptr<OFXObject> finish();
+
+   private:
+    struct State;
+    std::unique_ptr<State> state_;
+  };
+
   const std::string& rootName() const { return rootName_; }
 
   XMLMapping(std::string rootName, std::unique_ptr<xml_mapping_detail::CompiledObject> root);

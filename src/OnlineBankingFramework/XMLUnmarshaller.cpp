@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <exception>
 
 #include <expat.h>
@@ -36,7 +37,7 @@ struct Frame {
   bool opensObject = false;
 };
 
-OFXMappedValue scalarValue(const Field& field, const std::string& text) {
+OFXMappedValue scalarValue(const Field& field, std::string text) {
   const OFXPropertyKind kind = field.property->kind;
   const bool ofxRules = field.format == "OFX";
   auto number = [&](bool decimal) {
@@ -73,7 +74,7 @@ OFXMappedValue scalarValue(const Field& field, const std::string& text) {
       return *date;
     }
     default:
-      return numeric ? number(true).stringValue() : text;
+      return numeric ? number(true).stringValue() : std::move(text);
   }
 }
 
@@ -217,7 +218,7 @@ class Unmarshaller {
         }
         value = frame.field->defaultValue;
       }
-      assign(*state.object, *frame.field, scalarValue(*frame.field, value));
+      assign(*state.object, *frame.field, scalarValue(*frame.field, std::move(value)));
       markDefault(state, *frame.field);
     } else if (frame.opensObject) {
       closeObject(frame.objectIndex);
@@ -253,34 +254,57 @@ class Unmarshaller {
 
 }  // namespace
 
-std::unique_ptr<OFXObject> XMLMapping::unmarshal(std::string_view xml) const {
+struct XMLMapping::Reader::State {
+  std::unique_ptr<XML_ParserStruct, decltype(&XML_ParserFree)> parser;
+  Unmarshaller unmarshaller;
+
   // The text was decoded when it was read, so it is UTF-8 whatever its declaration says.
-  std::unique_ptr<XML_ParserStruct, decltype(&XML_ParserFree)> parser(XML_ParserCreate("UTF-8"),
-                                                                      &XML_ParserFree);
-  Unmarshaller unmarshaller(*root_, rootName_, parser.get());
-  XML_SetUserData(parser.get(), &unmarshaller);
-  XML_SetElementHandler(parser.get(), &Unmarshaller::start, &Unmarshaller::end);
-  XML_SetCharacterDataHandler(parser.get(), &Unmarshaller::characters);
-  constexpr size_t kChunk = 1 << 20;
-  size_t position = 0;
-  do {
-    const size_t length = std::min(kChunk, xml.size() - position);
-    const bool last = position + length == xml.size();
-    if (XML_Parse(parser.get(), xml.data() + position, static_cast<int>(length),
-                  last ? XML_TRUE : XML_FALSE) == XML_STATUS_ERROR) {
-      if (unmarshaller.failure()) std::rethrow_exception(unmarshaller.failure());
-      throw OFXException(
-          "XMLParseError",
-          stringWithFormat("%@ at line %ld, column %ld",
-                           XML_ErrorString(XML_GetErrorCode(parser.get())),
-                           static_cast<long>(XML_GetCurrentLineNumber(parser.get())),
-                           static_cast<long>(XML_GetCurrentColumnNumber(parser.get()))));
+  State(const CompiledObject& root, std::string_view rootName)
+      : parser(XML_ParserCreate("UTF-8"), &XML_ParserFree),
+        unmarshaller(root, rootName, parser.get()) {
+    XML_SetUserData(parser.get(), &unmarshaller);
+    XML_SetElementHandler(parser.get(), &Unmarshaller::start, &Unmarshaller::end);
+    XML_SetCharacterDataHandler(parser.get(), &Unmarshaller::characters);
+  }
+
+  void parse(const char* data, size_t length, bool last) {
+    if (XML_Parse(parser.get(), data, static_cast<int>(length), last ? XML_TRUE : XML_FALSE) !=
+        XML_STATUS_ERROR) {
+      return;
     }
-    position += length;
-  } while (position < xml.size());
-  if (unmarshaller.failure()) std::rethrow_exception(unmarshaller.failure());
-  if (!unmarshaller.sawRoot()) throw OFXException("XMLParseError", "no document element");
-  return unmarshaller.takeResult();
+    if (unmarshaller.failure()) std::rethrow_exception(unmarshaller.failure());
+    throw OFXException(
+        "XMLParseError",
+        stringWithFormat("%@ at line %ld, column %ld",
+                         XML_ErrorString(XML_GetErrorCode(parser.get())),
+                         static_cast<long>(XML_GetCurrentLineNumber(parser.get())),
+                         static_cast<long>(XML_GetCurrentColumnNumber(parser.get()))));
+  }
+};
+
+XMLMapping::Reader::Reader(const XMLMapping& mapping)
+    : state_(std::make_unique<State>(*mapping.root_, mapping.rootName_)) {}
+
+XMLMapping::Reader::~Reader() = default;
+
+void XMLMapping::Reader::feed(std::string_view piece) {
+  constexpr size_t kChunk = 1 << 20;  // Expat takes an int length
+  for (size_t position = 0; position < piece.size(); position += kChunk) {
+    state_->parse(piece.data() + position, std::min(kChunk, piece.size() - position), false);
+  }
+}
+
+std::unique_ptr<OFXObject> XMLMapping::Reader::finish() {
+  state_->parse("", 0, true);
+  if (state_->unmarshaller.failure()) std::rethrow_exception(state_->unmarshaller.failure());
+  if (!state_->unmarshaller.sawRoot()) throw OFXException("XMLParseError", "no document element");
+  return state_->unmarshaller.takeResult();
+}
+
+std::unique_ptr<OFXObject> XMLMapping::unmarshal(std::string_view xml) const {
+  Reader reader(*this);
+  reader.feed(xml);
+  return reader.finish();
 }
 
 }  // namespace ledgeon

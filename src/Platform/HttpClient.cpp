@@ -203,6 +203,7 @@ void CurlHttpClient::sendAsync(HttpRequest request, Completion completion, Dispa
     std::lock_guard lock(state_->threadsMutex);
     ++state_->outstanding;
   }
+  if (!dispatcher) dispatcher = Services::shared().mainThreadDispatcher();
   std::thread([this, request = std::move(request), completion = std::move(completion),
                dispatcher = std::move(dispatcher)]() mutable {
     auto result = std::make_shared<Result<HttpResponse>>(send(request));

@@ -59,8 +59,9 @@ class HttpClient {
 
   virtual ~HttpClient() = default;
   virtual Result<HttpResponse> send(const HttpRequest& request) = 0;
-  // Sends on a thread of its own and hands the outcome to `dispatcher` (by default, completion
-  // runs on that thread).
+  // Sends on a thread of its own and hands the outcome to `dispatcher`; without one, completion
+  // runs on the main run loop when the program has one (Services::mainThreadDispatcher), and on
+  // the request's thread otherwise.
   virtual void sendAsync(HttpRequest request, Completion completion,
                          Dispatcher dispatcher = nullptr) = 0;
   // Waits for every asynchronous request sent so far.

@@ -28,4 +28,14 @@ void Services::setUserInterface(std::shared_ptr<UserInterface> userInterface) {
   userInterface_ = std::move(userInterface);
 }
 
+Services::Dispatcher Services::mainThreadDispatcher() const {
+  std::lock_guard lock(dispatcherMutex_);
+  return mainThreadDispatcher_;
+}
+
+void Services::setMainThreadDispatcher(Dispatcher dispatcher) {
+  std::lock_guard lock(dispatcherMutex_);
+  mainThreadDispatcher_ = std::move(dispatcher);
+}
+
 }  // namespace ledgeon

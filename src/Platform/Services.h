@@ -1,6 +1,8 @@
 #pragma once
 
+#include <functional>
 #include <memory>
+#include <mutex>
 
 namespace ledgeon {
 
@@ -22,7 +24,15 @@ class Services final {
   UserInterface& userInterface();
   void setUserInterface(std::shared_ptr<UserInterface> userInterface);
 
+  // Hands work to the main thread (installed by the main run loop, which lives in a layer above);
+  // null while there is none. May change while other threads run, so it is read under a lock.
+  using Dispatcher = std::function<void(std::function<void()>)>;
+  Dispatcher mainThreadDispatcher() const;
+  void setMainThreadDispatcher(Dispatcher dispatcher);
+
  private:
+  mutable std::mutex dispatcherMutex_;
+  Dispatcher mainThreadDispatcher_;
   std::shared_ptr<Preferences> preferences_;
   std::shared_ptr<UserInterface> userInterface_;
 };

@@ -1,6 +1,7 @@
 #include "Utilities/Log.h"
 
 #include <algorithm>
+#include <atomic>
 #include <cstdio>
 #include <fstream>
 #include <iostream>
@@ -18,6 +19,10 @@ struct LogState {
   std::ofstream file;
   bool echo = false;
   std::vector<LogCapture*> captures;
+  std::atomic<bool> hasDestination{false};
+
+  // Under the mutex, after any change of destinations.
+  void updateDestinationsLocked() { hasDestination = file.is_open() || echo || !captures.empty(); }
 };
 
 LogState& state() {
@@ -42,10 +47,12 @@ bool Log::setLogFile(const std::filesystem::path& file) {
   auto& s = state();
   std::lock_guard lock(s.mutex);
   if (s.file.is_open()) s.file.close();
+  s.updateDestinationsLocked();
   if (file.empty()) return true;
   std::error_code ignored;
   std::filesystem::create_directories(file.parent_path(), ignored);
   s.file.open(file, std::ios::app);
+  s.updateDestinationsLocked();
   return s.file.is_open();
 }
 
@@ -53,18 +60,23 @@ void Log::setEchoToStandardError(bool echo) {
   auto& s = state();
   std::lock_guard lock(s.mutex);
   s.echo = echo;
+  s.updateDestinationsLocked();
 }
+
+bool Log::hasDestination() { return state().hasDestination.load(); }
 
 LogCapture::LogCapture() {
   auto& s = state();
   std::lock_guard lock(s.mutex);
   s.captures.push_back(this);
+  s.updateDestinationsLocked();
 }
 
 LogCapture::~LogCapture() {
   auto& s = state();
   std::lock_guard lock(s.mutex);
   std::erase(s.captures, this);
+  s.updateDestinationsLocked();
 }
 
 void LogCapture::append(std::string_view line) {

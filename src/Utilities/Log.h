@@ -19,12 +19,15 @@ class Log final {
   // Appends to `file` from now on (creating folders as needed); an empty path closes it.
   static bool setLogFile(const std::filesystem::path& file);
   static void setEchoToStandardError(bool echo);
+  // False while no line would go anywhere (no file, no echo, no capture).
+  static bool hasDestination();
 };
 
-// Formats with stringWithFormat and writes the line to the log.
+// Formats with stringWithFormat and writes the line to the log. A line nobody would see is not
+// formatted: some carry a whole downloaded file.
 template <typename... Args>
 void LLog(std::string_view format, const Args&... args) {
-  Log::write(stringWithFormat(format, args...));
+  if (Log::hasDestination()) Log::write(stringWithFormat(format, args...));
 }
 
 // Collects every line logged while it lives (in any thread); for tests and for callers that show
