@@ -11,8 +11,8 @@
 #include "DataBase/DataBase.h"
 #include "Documents/LDocument.h"
 #include "Documents/LDocumentStrings.h"
+#include "OpenLedger.h"
 #include "Subcommand.h"
-#include "TerminalUserInterface.h"
 
 namespace ledgeon::cli {
 
@@ -27,24 +27,19 @@ struct DocumentOptions {
   std::vector<std::string> answers;
 };
 
-std::shared_ptr<LDocument> openOrFail(const std::string& path, bool newFile) {
-  auto opened = LDocument::initWithContentsOfURL(path, {.newFile = newFile});
-  if (opened) return *opened;
-  if (opened.error().isUserCancelled()) {
-    throw CommandFailure("The document \u201c" + fs::path(path).filename().string() +
-                         "\u201d was not opened: it is open elsewhere.");
-  }
-  throw CommandFailure(opened.error().localizedDescription());
-}
-
 void newDocument(const DocumentOptions& options) {
-  auto document = openOrFail(options.document, true);
-  DataBase& db = document->dataBase();
-  const size_t accountTypes = db.countForInstancesOfClass("AccountType");
-  const size_t categories = db.countForInstancesOfClass("CategoryTag");
-  const std::string path = document->package().documentFullPath();
-  const std::string id = document->clientDocumentId();
-  document->close();
+  size_t accountTypes = 0;
+  size_t categories = 0;
+  std::string path;
+  std::string id;
+  {
+    OpenLedger document(options.document, options.answers, true);
+    DataBase& db = document->dataBase();
+    accountTypes = db.countForInstancesOfClass("AccountType");
+    categories = db.countForInstancesOfClass("CategoryTag");
+    path = document->package().documentFullPath();
+    id = document->clientDocumentId();
+  }
   if (options.json) {
     std::cout << nlohmann::json{{"package", path},
                                 {"clientDocumentId", id},
@@ -116,10 +111,8 @@ void printInfo(const nlohmann::json& info) {
 }
 
 void documentInfo(const DocumentOptions& options) {
-  auto& terminal = TerminalUserInterface::shared();
-  for (const auto& answer : options.answers) terminal.addPresetAnswer(answer);
   const nlohmann::json holders = lockHolders(LDocumentPackage(options.document));
-  auto document = openOrFail(options.document, false);
+  OpenLedger document(options.document, options.answers);
   DataBase& db = document->dataBase();
   const std::string path = document->package().documentFullPath();
   nlohmann::json counts = nlohmann::json::object();
@@ -144,7 +137,6 @@ void documentInfo(const DocumentOptions& options) {
     for (std::string line; std::getline(std::cin, line);) {
     }
   }
-  document->close();
 }
 
 const SubcommandRegistration registration(290, [](CLI::App& app) {

@@ -12,6 +12,7 @@
 #include "Documents/LDocument.h"
 #include "LedgerListing.h"
 #include "LedgerShell.h"
+#include "OpenLedger.h"
 #include "Subcommand.h"
 #include "TerminalUserInterface.h"
 
@@ -26,41 +27,10 @@ struct LedgerOptions {
   std::vector<std::string> answers;
 };
 
-// The open document of a subcommand, closed when the subcommand ends however it ends.
-class OpenLedger final {
- public:
-  explicit OpenLedger(const LedgerOptions& options) {
-    const std::string& path = options.document;
-    for (const auto& answer : options.answers) {
-      TerminalUserInterface::shared().addPresetAnswer(answer);
-    }
-    auto opened = LDocument::initWithContentsOfURL(path);
-    if (!opened) {
-      if (opened.error().isUserCancelled()) {
-        throw CommandFailure("The document \u201c" +
-                             std::filesystem::path(path).filename().string() +
-                             "\u201d was not opened: it is open elsewhere.");
-      }
-      throw CommandFailure(opened.error().localizedDescription());
-    }
-    document_ = *opened;
-  }
-  ~OpenLedger() { document_->close(); }
-  OpenLedger(const OpenLedger&) = delete;
-  OpenLedger& operator=(const OpenLedger&) = delete;
-
-  LDocument& operator*() { return *document_; }
-  LDocument* operator->() { return document_.get(); }
-  const std::shared_ptr<LDocument>& shared() { return document_; }
-
- private:
-  std::shared_ptr<LDocument> document_;
-};
-
 // Reads requests until the input ends or asks to quit. At a terminal a bad request is reported
 // and the session goes on; from a script the first bad request ends it with its line number.
 void runShell(const LedgerOptions& options) {
-  OpenLedger ledger(options);
+  OpenLedger ledger(options.document, options.answers);
   LedgerShell shell(ledger.shared(), *ledger->undoManager(), std::cout);
   const bool interactive = isatty(STDIN_FILENO) != 0;
   if (interactive) {
@@ -83,7 +53,7 @@ void runShell(const LedgerOptions& options) {
 }
 
 void listAccounts(const LedgerOptions& options) {
-  OpenLedger ledger(options);
+  OpenLedger ledger(options.document, options.answers);
   const auto rows = accountRows(ledger->dataBase());
   if (options.json) {
     std::cout << accountsJson(rows).dump(2) << '\n';
@@ -93,7 +63,7 @@ void listAccounts(const LedgerOptions& options) {
 }
 
 void listTransactions(const LedgerOptions& options) {
-  OpenLedger ledger(options);
+  OpenLedger ledger(options.document, options.answers);
   LObject* account = nullptr;
   if (!options.account.empty()) {
     for (LObject* candidate : ledger->dataBase().instancesOfClass("Account")) {

@@ -9,6 +9,7 @@
 #include "Platform/Services.h"
 #include "Subcommand.h"
 #include "TerminalUserInterface.h"
+#include "Threading/RunLoop.h"
 #include "Utilities/Log.h"
 
 namespace {
@@ -28,6 +29,7 @@ void installServices() {
 
 // Exit status: 0 success, 1 a failure the user should read about, 2 a usage error.
 int main(int argc, char** argv) {
+  ledgeon::RunLoop mainLoop;  // the main thread's: documents and downloads hand it their work
   CLI::App app{"Ledgeon: a household's money in one exact, undoable ledger.", "ledgeon"};
   app.set_version_flag("--version", std::string("ledgeon ") + LEDGEON_VERSION);
   app.require_subcommand(1);

@@ -134,6 +134,7 @@ class LDocument final : public LCommandDocument, public std::enable_shared_from_
   void settleCloudEnvironment();
   void settleCountryFeatures();
   Result<void> populate();
+  void scheduleFinishInit();
   void finishInit();
   void abandonOpen();
   Error fileOpenError(const std::string& reason) const;

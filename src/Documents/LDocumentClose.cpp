@@ -12,6 +12,7 @@
 #include "Platform/Preferences.h"
 #include "Platform/Services.h"
 #include "Platform/UserInterface.h"
+#include "Threading/RunLoop.h"
 #include "Utilities/Clock.h"
 #include "Utilities/Log.h"
 #include "Utilities/NotificationCenter.h"
@@ -35,6 +36,9 @@ void LDocument::close() {
   undoManager_.reset();
 
   // Cloud sync sessions of the document are cancelled here once cloud sync plugs in.
+  if (RunLoop* loop = RunLoop::main(); loop && loop->isOwnerThread()) {
+    loop->cancelPerformRequests(this);
+  }
   // Security quote updates are stopped here once they exist.
 
   NotificationCenter& center = NotificationCenter::defaultCenter();

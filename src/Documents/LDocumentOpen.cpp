@@ -14,6 +14,7 @@
 #include "Platform/Preferences.h"
 #include "Platform/Services.h"
 #include "Platform/UserInterface.h"
+#include "Threading/RunLoop.h"
 #include "Utilities/Clock.h"
 #include "Utilities/Log.h"
 #include "Utilities/StringWithFormat.h"
@@ -74,8 +75,7 @@ Result<void> LDocument::open() {
     return done;
   }
   LCommandDocument::setCurrentDocument(shared_from_this());
-  // Run at once: there is no run loop yet to defer it to.
-  finishInit();
+  scheduleFinishInit();
   openEvent_.end = Clock::now();
   return {};
 }
@@ -275,6 +275,22 @@ Result<void> LDocument::populate() {
   validDatabaseChangeForBackup_ = false;
   edited_ = false;
   return {};
+}
+
+void LDocument::scheduleFinishInit() {
+  // The rest of the set-up waits until whoever opened the document has had its turn; without a
+  // main run loop on this thread (a tool, a test) it runs at once.
+  RunLoop* loop = RunLoop::main();
+  if (!loop || !loop->isOwnerThread()) {
+    finishInit();
+    return;
+  }
+  std::weak_ptr<LDocument> weak = weak_from_this();
+  loop->performAfterDelay(
+      [weak] {
+        if (auto document = weak.lock()) document->finishInit();
+      },
+      0, this);
 }
 
 void LDocument::finishInit() {

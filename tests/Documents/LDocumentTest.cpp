@@ -15,6 +15,7 @@
 #include "Documents/LDocument.h"
 #include "Documents/LDocumentStrings.h"
 #include "LObjects/Model.h"
+#include "Threading/RunLoop.h"
 #include "Utilities/Log.h"
 #include "Utilities/NotificationCenter.h"
 
@@ -146,6 +147,26 @@ TEST(LDocumentTest, OpeningSetsUpCommandsUndoAndTheCurrentDocument) {
   for (const std::string& folder : LDocumentPackage::packageFolderNames()) {
     EXPECT_TRUE(fs::is_directory(document->package().absoluteURL() / folder)) << folder;
   }
+}
+
+TEST(LDocumentTest, SetUpFinishesOnTheMainRunLoopAndClosingCancelsIt) {
+  DocumentTestEnvironment environment;
+  RunLoop loop;
+  auto opened = createDocument(environment.path("Home.ledgeon"));
+  ASSERT_TRUE(opened);
+  EXPECT_FALSE(opened->hasFinishedInit());  // waits for the opener's turn to end
+  loop.runOnce();
+  EXPECT_TRUE(opened->hasFinishedInit());
+  opened->close();
+
+  auto closedEarly = openDocument(environment.path("Home.ledgeon"));
+  ASSERT_TRUE(closedEarly);
+  const size_t pending = loop.pendingCount();
+  EXPECT_GE(pending, 1u);
+  closedEarly->close();
+  EXPECT_EQ(loop.pendingCount(), pending - 1);  // its deferred set-up was dropped
+  loop.runOnce();
+  EXPECT_FALSE(closedEarly->hasFinishedInit());
 }
 
 TEST(LDocumentTest, NestedTransactionsCommitOnceAtTheOutermostEnd) {
