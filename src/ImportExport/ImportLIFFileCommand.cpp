@@ -117,9 +117,13 @@ void ImportLIFFileCommand::setBarText(const std::string& text) {
 void ImportLIFFileCommand::transactionCreated() {
   if (++transactionsCreated_ % kProgressEveryTransactions != 0) return;
   if (Progress* progress = progressDialog()) progress->setValue(static_cast<double>(lineIndex_));
+  // A section can hold a household's whole history: the cancel button is heard inside it too.
+  (void)pollCancel();
 }
 
 void ImportLIFFileCommand::apply(LIFRecord&& record) {
+  // Once cancelled, the rest of the file is read but no longer applied.
+  if (userAborted()) return;
   std::visit(
       [this](const auto& r) {
         using T = std::decay_t<decltype(r)>;

@@ -1,5 +1,6 @@
 #include "ImportExport/ImportTextFileCommand.h"
 
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -46,8 +47,11 @@ std::string trimmed(const std::string& text) {
 // Equal ignoring case and diacritics, as the user's locale compares.
 bool isUncategorized(const std::string& category) {
   UErrorCode status = U_ZERO_ERROR;
+  // The POSIX locale orders by code point, case included: it stands for no language at all.
+  const icu::Locale& current = icu::Locale::getDefault();
+  const bool posix = std::string_view(current.getName()).find("POSIX") != std::string_view::npos;
   std::unique_ptr<icu::Collator> collator(
-      icu::Collator::createInstance(icu::Locale::getDefault(), status));
+      icu::Collator::createInstance(posix ? icu::Locale::getRoot() : current, status));
   if (U_FAILURE(status)) return false;
   collator->setStrength(icu::Collator::PRIMARY);
   return collator->compare(icu::UnicodeString::fromUTF8(category),

@@ -47,20 +47,19 @@ TEST_F(ImportLIFFileCommandTest, EachTransferIsKeptOnceWhetherListedTwiceOrOnce)
                         section("Savings", "Bank", "D1/15/24\nT200.00\nPMove\nL[Checking]\n^\n"));
   ASSERT_TRUE(imported_);
   EXPECT_EQ(count("Transaction"), 3u);
-  EXPECT_EQ(amounts("Checking"), (std::vector<std::string>{"2024-01-20 -50.00", "2024-01-25 -75"}));
+  EXPECT_EQ(amounts("Checking"), (std::vector<std::string>{"2024-01-20 -50", "2024-01-25 -75"}));
   // The mirror seen second is the copy created, in the account whose section holds it.
-  EXPECT_EQ(amounts("Savings"), (std::vector<std::string>{"2024-01-15 200.00"}));
-  EXPECT_EQ(lines(*transactions("Savings").front()),
-            (std::vector<std::string>{"||Checking|200.00|"}));
+  EXPECT_EQ(amounts("Savings"), (std::vector<std::string>{"2024-01-15 200"}));
+  EXPECT_EQ(lines(*transactions("Savings").front()), (std::vector<std::string>{"||Checking|200|"}));
   EXPECT_EQ(lines(*transactions("Checking").front()),
-            (std::vector<std::string>{"Education|School||-50.00|Fall term"}));
-  EXPECT_EQ(balance("Checking"), "-325.00");
-  EXPECT_EQ(balance("Savings"), "200.00");
+            (std::vector<std::string>{"Education|School||-50|Fall term"}));
+  EXPECT_EQ(balance("Checking"), "-325");
+  EXPECT_EQ(balance("Savings"), "200");
   EXPECT_EQ(balance("Visa"), "75");
   const auto texts = command->log()->textsAtOrAbove(ImportLogSeverity::kInfo);
   EXPECT_NE(std::find(texts.begin(), texts.end(),
                       "Cash balance doesn't match for account Checking. Balance reported as "
-                      "1000.00, but transactions total -325.00\n"),
+                      "1000, but transactions total -325\n"),
             texts.end());
 }
 
@@ -280,7 +279,7 @@ TEST_F(ImportLIFFileCommandTest, CancelledImportLeavesEveryRowAsItWas) {
   const auto before = storeRows();
   std::string records;
   for (int i = 0; i < 400; ++i) records += "D1/15/24\nT-1\nPShop\nLFood\n^\n";
-  ui_->cancelProgressAfter(40);
+  ui_->cancelProgressAfter(10);
   auto command = import(kAccounts + section("Checking", "Bank", records));
   EXPECT_FALSE(imported_);
   EXPECT_TRUE(command->userAborted());
@@ -297,6 +296,28 @@ TEST_F(ImportLIFFileCommandTest, CancelledImportLeavesEveryRowAsItWas) {
   import(kAccounts + section("Checking", "Bank", "D1/15/24\nT-20\n^\n"));
   EXPECT_TRUE(imported_);
   EXPECT_EQ(amounts("Checking"), (std::vector<std::string>{"2024-01-15 -20"}));
+}
+
+TEST_F(ImportLIFFileCommandTest, BundledHouseholdFileGivesItsLedger) {
+  auto command = std::make_shared<ImportLIFFileCommand>(
+      std::filesystem::path(LEDGEON_SOURCE_DIR) / "resources/demo/household.lif", document_);
+  ASSERT_TRUE(command->execute());
+  struct Case {
+    const char* account;
+    size_t transactions;
+    const char* balance;  // of the cash accounts
+  };
+  for (const Case& c : {Case{"Everyday Checking", 5, "739.58"}, Case{"Rewards Visa", 4, "160.66"},
+                        Case{"Retirement Brokerage", 9, nullptr}, Case{"Car Loan", 0, "350"}}) {
+    EXPECT_EQ(transactions(c.account).size(), c.transactions) << c.account;
+    if (c.balance) {
+      EXPECT_EQ(balance(c.account), c.balance) << c.account;
+    }
+  }
+  EXPECT_EQ(count("SecurityQuote"), 5u);
+  EXPECT_EQ(
+      named("Security", "Evergreen Index Fund")->amountForKey("latestClosingPrice").stringValue(),
+      "46.35");
 }
 
 TEST_F(ImportLIFFileCommandTest, UnreadableFileIsReportedThenRefused) {
