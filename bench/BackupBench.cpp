@@ -6,13 +6,10 @@
 #include <string>
 
 #include <benchmark/benchmark.h>
-#include <spawn.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include "Documents/LDocumentPackage.h"
-
-extern char** environ;  // NOLINT: passed on to `zip`
+#include "ZipTool.h"
 
 namespace {
 
@@ -62,30 +59,12 @@ const fs::path& benchPackage() {
   return root;
 }
 
-void runZip(const fs::path& package, const fs::path& archive) {
-  std::string program = "zip", recursive = "-r", quiet = "-q";
-  std::string archivePath = archive.string(), name = package.filename().string();
-  char* argv[] = {program.data(),     quiet.data(), recursive.data(),
-                  archivePath.data(), name.data(),  nullptr};
-  posix_spawn_file_actions_t actions;
-  posix_spawn_file_actions_init(&actions);
-  posix_spawn_file_actions_addchdir_np(&actions, package.parent_path().c_str());
-  pid_t pid = 0;
-  if (posix_spawnp(&pid, "zip", &actions, nullptr, argv, environ) != 0) {
-    throw std::runtime_error("cannot run zip");
-  }
-  posix_spawn_file_actions_destroy(&actions);
-  int status = 0;
-  waitpid(pid, &status, 0);
-  if (!WIFEXITED(status) || WEXITSTATUS(status) != 0) throw std::runtime_error("zip failed");
-}
-
 void BM_ZipFloor(benchmark::State& state) {
   const fs::path& package = benchPackage();
   const fs::path archive = package.parent_path() / "floor.zip";
   for (auto _ : state) {
     fs::remove(archive);
-    runZip(package, archive);
+    ledgeon::bench::runZip(package, archive);
   }
   state.counters["bytes"] = static_cast<double>(fs::file_size(archive));
 }

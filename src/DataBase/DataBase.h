@@ -51,6 +51,19 @@ class DataBase final : public LObjectContext {
   const std::set<std::string>& modifiedEntityTypes() const { return modifiedEntityTypes_; }
   // The stored model version name and entity version hashes.
   std::map<std::string, std::string> storeMetadata();
+  // What the store file at `file` says about itself, read without opening it as a ledger: its
+  // model version, whether this program reads that version (`supportedModel`) and whether it
+  // must be migrated first. A file that is not a ledger store is an error.
+  struct StoreVersion {
+    bool migrationRequired = false;
+    bool supportedModel = false;
+    std::string modelVersion;
+    std::map<std::string, std::string> metadata;
+  };
+  static Result<StoreVersion> getMigrationRequired(const std::filesystem::path& file);
+  // Records a fact about the store (which program opened it last ...) in its metadata, at once
+  // and outside any pending changes.
+  void setStoreMetadataValue(const std::string& key, const std::string& value);
   // Committed objects of each concrete entity that has any, soft-deleted ones among them.
   struct ObjectCount {
     size_t total = 0;

@@ -2,8 +2,8 @@
 
 namespace ledgeon {
 
-PropertyList LBackupInfo::propertyList() const {
-  PropertyList plist = PropertyList::dictionary();
+LPropertyList LBackupInfo::propertyList() const {
+  LPropertyList plist = LPropertyList::dictionary();
   plist.setDate("dateCreated", dateCreated);
   plist.setString("note", note);
   plist.setString("originalFilePath", originalFilePath);
@@ -13,7 +13,7 @@ PropertyList LBackupInfo::propertyList() const {
 }
 
 Result<LBackupInfo> LBackupInfo::readFromData(std::string_view data, const std::string& origin) {
-  auto plist = PropertyList::fromData(data, origin);
+  auto plist = LPropertyList::fromData(data, origin);
   if (!plist) return plist.error();
   if (!plist->isDictionary()) {
     return Error::make(kLErrorDomain, 1, origin + ": backup information must be a dictionary");

@@ -4,7 +4,7 @@
 #include <string>
 #include <string_view>
 
-#include "Documents/PropertyList.h"
+#include "Documents/LPropertyList.h"
 #include "Utilities/Date.h"
 #include "Utilities/Result.h"
 
@@ -28,7 +28,7 @@ struct LBackupInfo {
   BackupReason reason = BackupReason::kManual;
   std::string UID;
 
-  PropertyList propertyList() const;
+  LPropertyList propertyList() const;
   static Result<LBackupInfo> readFromData(std::string_view data, const std::string& origin);
 };
 

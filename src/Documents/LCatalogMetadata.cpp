@@ -101,7 +101,7 @@ std::optional<std::string> LCatalogMetadata::decodeURL(const std::string& text) 
   return text;
 }
 
-Result<void> LCatalogMetadata::readFromDictionary(const PropertyList& dictionary,
+Result<void> LCatalogMetadata::readFromDictionary(const LPropertyList& dictionary,
                                                   const std::string& origin) {
   if (!dictionary.isDictionary()) {
     return Error::make(kLErrorDomain, 1, origin + ": catalog metadata is not a dictionary");
@@ -172,7 +172,7 @@ Result<void> LCatalogMetadata::readFromDictionary(const PropertyList& dictionary
   return {};
 }
 
-void LCatalogMetadata::writeToDictionary(PropertyList& dictionary) const {
+void LCatalogMetadata::writeToDictionary(LPropertyList& dictionary) const {
   dictionary.setString("encodingVersion", encodingVersion);
   dictionary.setString("encodingCompatibility", encodingCompatibility);
   dictionary.setString("errorTitle", errorTitle);
@@ -196,7 +196,7 @@ void LCatalogMetadata::writeToDictionary(PropertyList& dictionary) const {
 }
 
 std::vector<uint8_t> LCatalogMetadata::archivedData() const {
-  PropertyList dictionary = PropertyList::dictionary();
+  LPropertyList dictionary = LPropertyList::dictionary();
   writeToDictionary(dictionary);
   const std::string bytes = dictionary.binaryData();
   return std::vector<uint8_t>(bytes.begin(), bytes.end());
@@ -204,7 +204,7 @@ std::vector<uint8_t> LCatalogMetadata::archivedData() const {
 
 Result<LCatalogMetadata> LCatalogMetadata::unarchiveFromData(const std::vector<uint8_t>& data,
                                                              const std::string& origin) {
-  auto dictionary = PropertyList::fromData(
+  auto dictionary = LPropertyList::fromData(
       std::string_view(reinterpret_cast<const char*>(data.data()), data.size()), origin);
   if (!dictionary) return dictionary.error();
   LCatalogMetadata metadata;

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "Documents/PropertyList.h"
+#include "Documents/LPropertyList.h"
 #include "Utilities/Date.h"
 #include "Utilities/Result.h"
 
@@ -41,8 +41,8 @@ class LCatalogMetadata final {
 
   // Fills the fields from `dictionary`; `origin` names the source in errors. Missing keys leave
   // their fields empty; a key of the wrong kind is an error naming it.
-  Result<void> readFromDictionary(const PropertyList& dictionary, const std::string& origin);
-  void writeToDictionary(PropertyList& dictionary) const;
+  Result<void> readFromDictionary(const LPropertyList& dictionary, const std::string& origin);
+  void writeToDictionary(LPropertyList& dictionary) const;
   std::vector<uint8_t> archivedData() const;
   static Result<LCatalogMetadata> unarchiveFromData(const std::vector<uint8_t>& data,
                                                     const std::string& origin);

@@ -8,17 +8,16 @@
 #include <filesystem>
 #include <fstream>
 #include <limits>
-#include <random>
 #include <sstream>
 #include <vector>
 
 #include <fmt/format.h>
-#include <openssl/rand.h>
 #include <pwd.h>
 #include <sys/types.h>
 #include <sys/utsname.h>
 #include <unistd.h>
 
+#include "Documents/internal/UUID.h"
 #include "Utilities/Clock.h"
 #include "Utilities/FileContents.h"
 
@@ -29,22 +28,6 @@ namespace {
 // The application that holds locks made by this program.
 constexpr const char* kBundleIdentifier = "org.ledgeon.Ledgeon";
 constexpr const char* kBundleName = "Ledgeon";
-
-std::string newUUIDString() {
-  std::array<unsigned char, 16> bytes{};
-  if (RAND_bytes(bytes.data(), static_cast<int>(bytes.size())) != 1) {
-    std::random_device device;
-    for (auto& byte : bytes) byte = static_cast<unsigned char>(device());
-  }
-  bytes[6] = static_cast<unsigned char>((bytes[6] & 0x0F) | 0x40);
-  bytes[8] = static_cast<unsigned char>((bytes[8] & 0x3F) | 0x80);
-  std::string text;
-  for (std::size_t i = 0; i < bytes.size(); ++i) {
-    if (i == 4 || i == 6 || i == 8 || i == 10) text += '-';
-    text += fmt::format("{:02X}", bytes[i]);
-  }
-  return text;
-}
 
 std::string firstLine(const std::filesystem::path& path) {
   std::ifstream in(path);
@@ -143,7 +126,7 @@ LFileLockInfo LFileLockInfo::currentProcess() {
 }
 
 void LFileLockInfo::updateFromCurrentProcess() {
-  lockId = newUUIDString();
+  lockId = documents_internal::newUUIDString();
   pidNumber = ::getpid();
   uidNumber = ::getuid();
   bootTimestamp = host::bootTime();
@@ -170,7 +153,7 @@ Result<LFileLockInfo> LFileLockInfo::readFromFile(const std::string& path) {
 
 Result<LFileLockInfo> LFileLockInfo::readFromData(std::string_view data,
                                                   const std::string& origin) {
-  auto plist = PropertyList::fromData(data, origin);
+  auto plist = LPropertyList::fromData(data, origin);
   if (!plist) return plist.error();
   if (!plist->isDictionary()) {
     return Error::make(kLErrorDomain, 1, origin + ": a lock record must be a dictionary");
@@ -200,8 +183,8 @@ Result<LFileLockInfo> LFileLockInfo::readFromData(std::string_view data,
   return info;
 }
 
-PropertyList LFileLockInfo::propertyList() const {
-  PropertyList plist = PropertyList::dictionary();
+LPropertyList LFileLockInfo::propertyList() const {
+  LPropertyList plist = LPropertyList::dictionary();
   plist.setString("lockId", lockId);
   plist.setInteger("pidNumber", pidNumber);
   plist.setInteger("uidNumber", uidNumber);

@@ -3,7 +3,7 @@
 #include <cstdint>
 #include <string>
 
-#include "Documents/PropertyList.h"
+#include "Documents/LPropertyList.h"
 #include "Utilities/Date.h"
 #include "Utilities/Result.h"
 
@@ -31,7 +31,7 @@ class LFileLockInfo final {
   static Result<LFileLockInfo> readFromFile(const std::string& path);
   // Parses a lock record; `origin` names it in errors.
   static Result<LFileLockInfo> readFromData(std::string_view data, const std::string& origin);
-  PropertyList propertyList() const;
+  LPropertyList propertyList() const;
   Result<void> writeToFile(const std::string& path) const;
 
   // Compares this record with `current` (the current process) and stores the result in `owner`.

@@ -46,6 +46,15 @@ std::size_t occurrences(std::string_view text, std::string_view what) {
   return count;
 }
 
+// Keyboards type the ASCII hyphen-minus even where the locale writes U+2212 (Swedish, Norwegian,
+// ...), so "-" is a minus sign in every locale.
+constexpr std::string_view kAsciiMinus = "-";
+
+std::size_t minusSignCount(std::string_view text, std::string_view localeMinus) {
+  const std::size_t count = occurrences(text, kAsciiMinus);
+  return localeMinus == kAsciiMinus ? count : count + occurrences(text, localeMinus);
+}
+
 std::string_view trimmed(std::string_view text) {
   constexpr std::string_view kSpace = " \t\r\n";
   const auto first = text.find_first_not_of(kSpace);
@@ -185,8 +194,8 @@ bool LCurrencyFormatter::isPartialStringValid(std::string& partialString,
                   : "An amount takes digits, a minus sign and a decimal separator";
   } else if (!isCalculatorActive()) {
     if (!signsOKInString(proposal)) {
-      problem = occurrences(proposal, minusSign_) > 1 ? "An amount has only one minus sign"
-                                                      : "This amount cannot be negative";
+      problem = minusSignCount(proposal, minusSign_) > 1 ? "An amount has only one minus sign"
+                                                         : "This amount cannot be negative";
     } else if (!decimalsOKInString(proposal)) {
       problem = "An amount has only one decimal separator";
     }
@@ -225,7 +234,9 @@ bool LCurrencyFormatter::getObjectValue(std::optional<Amount>& objectValue, std:
   Amount value;
   const bool arithmetic =
       isCalculatorActive() &&
-      text.substr(startsWithAt(text, 0, minusSign_) ? minusSign_.size() : 0)
+      text.substr(startsWithAt(text, 0, minusSign_)    ? minusSign_.size()
+                  : startsWithAt(text, 0, kAsciiMinus) ? kAsciiMinus.size()
+                                                       : 0)
               .find_first_of(CalcState::kOperationCharacters) != std::string_view::npos;
   if (arithmetic) {
     auto result = calcState_->evaluate(text);
@@ -244,9 +255,11 @@ bool LCurrencyFormatter::characterOKInString(std::string_view string) const {
   const bool calculator = isCalculatorActive();
   for (std::size_t i = 0; i < string.size();) {
     bool matched = false;
-    for (const std::string* s : {&decimalSeparator_, &groupingSeparator_, &minusSign_}) {
-      if (startsWithAt(string, i, *s)) {
-        i += s->size();
+    for (const std::string_view s :
+         {std::string_view(decimalSeparator_), std::string_view(groupingSeparator_),
+          std::string_view(minusSign_), kAsciiMinus}) {
+      if (startsWithAt(string, i, s)) {
+        i += s.size();
         matched = true;
         break;
       }
@@ -266,7 +279,7 @@ bool LCurrencyFormatter::characterOKInString(std::string_view string) const {
 }
 
 bool LCurrencyFormatter::signsOKInString(std::string_view string) const {
-  const std::size_t minusSigns = occurrences(string, minusSign_);
+  const std::size_t minusSigns = minusSignCount(string, minusSign_);
   if (minusSigns == 0) return true;
   if (minimum_ && (minimum_->isZero() || minimum_->isPositive())) return false;
   return minusSigns == 1;
@@ -281,8 +294,11 @@ bool LCurrencyFormatter::commasOKInString(std::string_view /*string*/) const { r
 Amount LCurrencyFormatter::amountFromString(std::string_view text) const {
   text = trimmed(text);
   if (text.empty()) return Amount::notANumber();
-  const icu::UnicodeString unicode = icu::UnicodeString::fromUTF8(
+  icu::UnicodeString unicode = icu::UnicodeString::fromUTF8(
       icu::StringPiece(text.data(), static_cast<int32_t>(text.size())));
+  if (minusSign_ != kAsciiMinus) {
+    unicode.findAndReplace(icu::UnicodeString(u'-'), icu::UnicodeString::fromUTF8(minusSign_));
+  }
   icu::Formattable parsed;
   icu::ParsePosition position(0);
   format_->parse(unicode, parsed, position);

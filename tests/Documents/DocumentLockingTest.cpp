@@ -61,7 +61,7 @@ TEST(LFileLockInfoTest, RecordKeepsItsKeysInOrderAndRoundTrips) {
   const std::string path = (temp / "lock.plist").string();
   lock.createdAt = Date(700000000.25);
   ASSERT_TRUE(lock.writeToFile(path));
-  auto written = PropertyList::fromFile(path);
+  auto written = LPropertyList::fromFile(path);
   ASSERT_TRUE(written);
   EXPECT_EQ(written->keys(), expectedKeys);
   auto read = LFileLockInfo::readFromFile(path);

@@ -124,7 +124,7 @@ TEST(LCatalogMetadataTest, ArchiveRoundTripAndTheTwoParts) {
   ASSERT_TRUE(read) << read.error().description();
   EXPECT_EQ(*read, metadata);
 
-  PropertyList dictionary = PropertyList::dictionary();
+  LPropertyList dictionary = LPropertyList::dictionary();
   metadata.writeToDictionary(dictionary);
   const std::vector<std::string> keys = {"encodingVersion",
                                          "encodingCompatibility",

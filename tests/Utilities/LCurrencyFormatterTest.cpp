@@ -21,7 +21,7 @@ TEST(LCurrencyFormatterTest, TakesEachLocalesSymbols) {
   } cases[] = {
       {"en_US", ".", ",", "-"},      {"en_us", ".", ",", "-"},
       {"de_DE", ",", ".", "-"},      {"fr_FR", ",", kNarrowNoBreakSpace, "-"},
-      {"de_CH", ".", "\u2019", "-"},
+      {"de_CH", ".", "\u2019", "-"}, {"sv_SE", ",", "\u00a0", "\u2212"},
   };
   for (const auto& c : cases) {
     const LCurrencyFormatter formatter(c.locale);
@@ -123,6 +123,10 @@ TEST(LCurrencyFormatterTest, VetsEachKeystroke) {
       {"de_DE", false, none, "1.23", "1.234", false, "1234", ""},
       {"fr_FR", false, none, "1" + nnbsp + "23", "1" + nnbsp + "234,", false, "1234,", ""},
       {"fr_FR", false, none, "12", "12.", false, "12", "takes digits"},
+      // Where the locale's minus is U+2212, the keyboard's "-" still counts as one.
+      {"sv_SE", false, none, "", "-", true, "-", ""},
+      {"sv_SE", false, none, "\u221212", "\u221212-", false, "\u221212", "only one minus sign"},
+      {"sv_SE", false, Amount::zero(), "", "-", false, "", "cannot be negative"},
   };
   for (const auto& c : cases) checkKeystroke(c);
 }
@@ -155,6 +159,8 @@ TEST(LCurrencyFormatterTest, ReadsTextAsExactAmounts) {
       {"de_DE", "1.234,56", "1234.56"},
       {"de_DE", "-0,5", "-0.5"},
       {"fr_FR", "1" + nnbsp + "234,56", "1234.56"},
+      {"sv_SE", "-12,5", "-12.5"},
+      {"sv_SE", "\u221212,5", "-12.5"},
   };
   for (const auto& c : cases) {
     const LCurrencyFormatter formatter(c.locale);

@@ -139,6 +139,11 @@ CliResult runProgram(const std::vector<std::string>& arguments) {
 }
 
 BackgroundCli::BackgroundCli(const std::vector<std::string>& arguments,
+                             const std::filesystem::path& home)
+    : BackgroundCli(LEDGEON_CLI_PATH, arguments, home) {}
+
+BackgroundCli::BackgroundCli(const std::filesystem::path& program,
+                             const std::vector<std::string>& arguments,
                              const std::filesystem::path& home) {
   std::array<int, 2> in{}, out{};
   // Close-on-exec, so that a later background program does not keep this one's stdin open.
@@ -151,7 +156,7 @@ BackgroundCli::BackgroundCli(const std::vector<std::string>& arguments,
   posix_spawn_file_actions_adddup2(&actions, out[1], 1);
   posix_spawn_file_actions_addopen(&actions, 2, "/dev/null", O_WRONLY, 0);
   for (int fd : {in[0], in[1], out[0], out[1]}) posix_spawn_file_actions_addclose(&actions, fd);
-  std::vector<std::string> argvStrings{LEDGEON_CLI_PATH};
+  std::vector<std::string> argvStrings{program.string()};
   argvStrings.insert(argvStrings.end(), arguments.begin(), arguments.end());
   std::vector<char*> argv;
   for (auto& a : argvStrings) argv.push_back(a.data());

@@ -41,6 +41,9 @@ CliResult runProgram(const std::vector<std::string>& argv);
 class BackgroundCli final {
  public:
   BackgroundCli(const std::vector<std::string>& arguments, const std::filesystem::path& home);
+  // Another program of the build (a test helper) started the same way.
+  BackgroundCli(const std::filesystem::path& program, const std::vector<std::string>& arguments,
+                const std::filesystem::path& home);
   ~BackgroundCli();
   BackgroundCli(const BackgroundCli&) = delete;
   BackgroundCli& operator=(const BackgroundCli&) = delete;

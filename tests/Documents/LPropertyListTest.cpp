@@ -3,7 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "Documents/LFileLockInfo.h"
-#include "Documents/PropertyList.h"
+#include "Documents/LPropertyList.h"
 #include "support/TestSupport.h"
 
 namespace ledgeon {
@@ -16,7 +16,7 @@ TEST(PropertyListTest, DamagedTextIsReadNotFatal) {
   const std::string data = testing::readFile(std::string(LEDGEON_SOURCE_DIR) +
                                              "/fuzz/corpus/LockInfoFuzzer/embedded-nul-text.plist");
   ASSERT_FALSE(data.empty());
-  auto plist = PropertyList::fromData(data, "lock.plist");
+  auto plist = LPropertyList::fromData(data, "lock.plist");
   ASSERT_TRUE(plist);
   for (const auto& key : plist->keys()) (void)plist->string(key.c_str());
   (void)LFileLockInfo::readFromData(data, "lock.plist");  // aborted before the fix
@@ -37,17 +37,17 @@ TEST(PropertyListTest, DatesRoundTripAndFarOffDatesAreClamped) {
       {std::numeric_limits<double>::quiet_NaN(), 0.0},
   };
   for (const auto& c : cases) {
-    PropertyList plist = PropertyList::dictionary();
+    LPropertyList plist = LPropertyList::dictionary();
     plist.setDate("when", Date(c.seconds));
-    auto read = PropertyList::fromData(plist.binaryData(), "test");
+    auto read = LPropertyList::fromData(plist.binaryData(), "test");
     ASSERT_TRUE(read);
     ASSERT_TRUE(read->date("when")) << c.seconds;
     EXPECT_NEAR(read->date("when")->timeIntervalSinceReferenceDate(), c.expected, 1e-5)
         << c.seconds;
   }
   for (const char* damaged : {"", "bplist00", "<plist><dict><key>a</key></plist>", "garbage!"}) {
-    EXPECT_FALSE(PropertyList::fromData(damaged, "x").ok() &&
-                 PropertyList::fromData(damaged, "x")->isDictionary())
+    EXPECT_FALSE(LPropertyList::fromData(damaged, "x").ok() &&
+                 LPropertyList::fromData(damaged, "x")->isDictionary())
         << damaged;
   }
 }

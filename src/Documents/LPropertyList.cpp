@@ -1,4 +1,4 @@
-#include "Documents/PropertyList.h"
+#include "Documents/LPropertyList.h"
 
 #include <algorithm>
 #include <cmath>
@@ -27,9 +27,9 @@ Error fileError(const std::string& path, const std::string& what) {
 
 }  // namespace
 
-PropertyList PropertyList::dictionary() { return PropertyList(plist_new_dict()); }
+LPropertyList LPropertyList::dictionary() { return LPropertyList(plist_new_dict()); }
 
-Result<PropertyList> PropertyList::fromData(std::string_view data, const std::string& origin) {
+Result<LPropertyList> LPropertyList::fromData(std::string_view data, const std::string& origin) {
   if (data.size() < 8 || data.size() > std::numeric_limits<uint32_t>::max()) {
     return Error::make(kLErrorDomain, 1, origin + ": not a property list");
   }
@@ -41,19 +41,19 @@ Result<PropertyList> PropertyList::fromData(std::string_view data, const std::st
     plist_from_xml(data.data(), length, &node);
   }
   if (!node) return Error::make(kLErrorDomain, 1, origin + ": not a property list");
-  return PropertyList(node);
+  return LPropertyList(node);
 }
 
-Result<PropertyList> PropertyList::fromFile(const std::string& path) {
+Result<LPropertyList> LPropertyList::fromFile(const std::string& path) {
   auto text = readFileContents(path);
   if (!text) return fileError(path, "cannot be read");
   return fromData(*text, path);
 }
 
-PropertyList::PropertyList(PropertyList&& other) noexcept
+LPropertyList::LPropertyList(LPropertyList&& other) noexcept
     : node_(std::exchange(other.node_, nullptr)) {}
 
-PropertyList& PropertyList::operator=(PropertyList&& other) noexcept {
+LPropertyList& LPropertyList::operator=(LPropertyList&& other) noexcept {
   if (this != &other) {
     if (node_) plist_free(node_);
     node_ = std::exchange(other.node_, nullptr);
@@ -61,28 +61,28 @@ PropertyList& PropertyList::operator=(PropertyList&& other) noexcept {
   return *this;
 }
 
-PropertyList::~PropertyList() {
+LPropertyList::~LPropertyList() {
   if (node_) plist_free(node_);
 }
 
-bool PropertyList::isDictionary() const {
+bool LPropertyList::isDictionary() const {
   return node_ && plist_get_node_type(node_) == PLIST_DICT;
 }
 
-void PropertyList::setString(const char* key, std::string_view value) {
+void LPropertyList::setString(const char* key, std::string_view value) {
   plist_dict_set_item(node_, key, plist_new_string(std::string(value).c_str()));
 }
 
-void PropertyList::setInteger(const char* key, int64_t value) {
+void LPropertyList::setInteger(const char* key, int64_t value) {
   // libplist keeps integers as 64-bit patterns; a negative value round-trips through the cast.
   plist_dict_set_item(node_, key, plist_new_uint(static_cast<uint64_t>(value)));
 }
 
-void PropertyList::setUnsigned(const char* key, uint64_t value) {
+void LPropertyList::setUnsigned(const char* key, uint64_t value) {
   plist_dict_set_item(node_, key, plist_new_uint(value));
 }
 
-void PropertyList::setDate(const char* key, Date value) {
+void LPropertyList::setDate(const char* key, Date value) {
   // Dates are held as 32-bit seconds around 2001 (1933 to 2069); anything beyond is clamped,
   // which only a damaged record can ask for.
   double seconds = value.timeIntervalSinceReferenceDate();
@@ -102,11 +102,11 @@ void PropertyList::setDate(const char* key, Date value) {
   plist_dict_set_item(node_, key, plist_new_date(static_cast<int32_t>(whole), micro));
 }
 
-plist_t PropertyList::item(const char* key) const {
+plist_t LPropertyList::item(const char* key) const {
   return isDictionary() ? plist_dict_get_item(node_, key) : nullptr;
 }
 
-std::optional<std::string> PropertyList::string(const char* key) const {
+std::optional<std::string> LPropertyList::string(const char* key) const {
   plist_t value = item(key);
   if (!value || plist_get_node_type(value) != PLIST_STRING) return std::nullopt;
   // Not plist_get_string_val: it aborts on a text with an embedded NUL, which a damaged binary
@@ -117,13 +117,13 @@ std::optional<std::string> PropertyList::string(const char* key) const {
   return std::string(text, static_cast<std::size_t>(length));
 }
 
-std::optional<int64_t> PropertyList::integer(const char* key) const {
+std::optional<int64_t> LPropertyList::integer(const char* key) const {
   auto value = unsignedInteger(key);
   if (!value) return std::nullopt;
   return static_cast<int64_t>(*value);
 }
 
-std::optional<uint64_t> PropertyList::unsignedInteger(const char* key) const {
+std::optional<uint64_t> LPropertyList::unsignedInteger(const char* key) const {
   plist_t value = item(key);
   if (!value) return std::nullopt;
   if (plist_get_node_type(value) == PLIST_UINT) {
@@ -140,7 +140,7 @@ std::optional<uint64_t> PropertyList::unsignedInteger(const char* key) const {
   return std::nullopt;
 }
 
-std::optional<Date> PropertyList::date(const char* key) const {
+std::optional<Date> LPropertyList::date(const char* key) const {
   plist_t value = item(key);
   if (!value || plist_get_node_type(value) != PLIST_DATE) return std::nullopt;
   int32_t seconds = 0;
@@ -149,7 +149,7 @@ std::optional<Date> PropertyList::date(const char* key) const {
   return Date(static_cast<double>(seconds) + static_cast<double>(micro) / 1e6);
 }
 
-std::vector<std::string> PropertyList::keys() const {
+std::vector<std::string> LPropertyList::keys() const {
   std::vector<std::string> result;
   if (!isDictionary()) return result;
   plist_dict_iter iterator = nullptr;
@@ -166,7 +166,7 @@ std::vector<std::string> PropertyList::keys() const {
   return result;
 }
 
-std::string PropertyList::xmlData() const {
+std::string LPropertyList::xmlData() const {
   char* text = nullptr;
   uint32_t length = 0;
   plist_to_xml(node_, &text, &length);
@@ -175,7 +175,7 @@ std::string PropertyList::xmlData() const {
   return result;
 }
 
-std::string PropertyList::binaryData() const {
+std::string LPropertyList::binaryData() const {
   char* bytes = nullptr;
   uint32_t length = 0;
   plist_to_bin(node_, &bytes, &length);
@@ -184,7 +184,7 @@ std::string PropertyList::binaryData() const {
   return result;
 }
 
-Result<void> PropertyList::writeToFile(const std::string& path) const {
+Result<void> LPropertyList::writeToFile(const std::string& path) const {
   const std::string temporary = path + ".tmp" + std::to_string(::getpid());
   {
     std::ofstream out(temporary, std::ios::binary | std::ios::trunc);

@@ -17,18 +17,18 @@ namespace ledgeon {
 // archived catalog metadata. Dictionaries keep their keys in insertion order, so a record is
 // written with its keys in the order they were set. Reading is forgiving about types: a getter
 // returns nothing when the key is missing or holds another type.
-class PropertyList final {
+class LPropertyList final {
  public:
-  static PropertyList dictionary();
+  static LPropertyList dictionary();
   // Parses XML or binary property-list bytes; `origin` names the source in the error.
-  static Result<PropertyList> fromData(std::string_view data, const std::string& origin);
-  static Result<PropertyList> fromFile(const std::string& path);
+  static Result<LPropertyList> fromData(std::string_view data, const std::string& origin);
+  static Result<LPropertyList> fromFile(const std::string& path);
 
-  PropertyList(PropertyList&& other) noexcept;
-  PropertyList& operator=(PropertyList&& other) noexcept;
-  PropertyList(const PropertyList&) = delete;
-  PropertyList& operator=(const PropertyList&) = delete;
-  ~PropertyList();
+  LPropertyList(LPropertyList&& other) noexcept;
+  LPropertyList& operator=(LPropertyList&& other) noexcept;
+  LPropertyList(const LPropertyList&) = delete;
+  LPropertyList& operator=(const LPropertyList&) = delete;
+  ~LPropertyList();
 
   bool isDictionary() const;
 
@@ -53,7 +53,7 @@ class PropertyList final {
   Result<void> writeToFile(const std::string& path) const;
 
  private:
-  explicit PropertyList(plist_t node) : node_(node) {}
+  explicit LPropertyList(plist_t node) : node_(node) {}
   plist_t item(const char* key) const;
   plist_t node_ = nullptr;
 };
