@@ -31,7 +31,7 @@ TEST(ImportCommand, ImportsIntoAnEmptyDocumentOnceAndPrintsTheLog) {
   EXPECT_EQ(again.exitStatus, 1);
   EXPECT_NE(again.err.find("can only import lif files into empty documents."), std::string::npos)
       << again.err;
-  EXPECT_EQ(nlohmann::json::parse(again.out)["text"], "Import Log");
+  EXPECT_EQ(again.out, "");  // refused before anything was read
 
   // A CSV export is recognised from its content and goes into an account of its own.
   const auto csv =
