@@ -44,16 +44,22 @@ std::string trimmed(const std::string& text) {
   return text.substr(first, text.find_last_not_of(" \t\r\n") - first + 1);
 }
 
-// Equal ignoring case and diacritics, as the user's locale compares.
+// Equal ignoring case and diacritics, as the user's locale compares. One collator serves every
+// row (main thread only).
 bool isUncategorized(const std::string& category) {
+  static const std::unique_ptr<icu::Collator> collator = [] {
+    UErrorCode status = U_ZERO_ERROR;
+    // The POSIX locale orders by code point, case included: it stands for no language at all.
+    const icu::Locale& current = icu::Locale::getDefault();
+    const bool posix = std::string_view(current.getName()).find("POSIX") != std::string_view::npos;
+    std::unique_ptr<icu::Collator> made(
+        icu::Collator::createInstance(posix ? icu::Locale::getRoot() : current, status));
+    if (U_FAILURE(status)) return std::unique_ptr<icu::Collator>();
+    made->setStrength(icu::Collator::PRIMARY);
+    return made;
+  }();
+  if (!collator || category.empty()) return false;
   UErrorCode status = U_ZERO_ERROR;
-  // The POSIX locale orders by code point, case included: it stands for no language at all.
-  const icu::Locale& current = icu::Locale::getDefault();
-  const bool posix = std::string_view(current.getName()).find("POSIX") != std::string_view::npos;
-  std::unique_ptr<icu::Collator> collator(
-      icu::Collator::createInstance(posix ? icu::Locale::getRoot() : current, status));
-  if (U_FAILURE(status)) return false;
-  collator->setStrength(icu::Collator::PRIMARY);
   return collator->compare(icu::UnicodeString::fromUTF8(category),
                            icu::UnicodeString::fromUTF8("Uncategorized"), status) == UCOL_EQUAL;
 }
