@@ -1,6 +1,6 @@
 // The ledger store against bare SQLite doing the same work in the same run. Each group creates N
-// cash-flow transactions with two splits each (N from LEDGEON_BENCH_TRANSACTIONS, default
-// 100,000), then fetches by a predicate and counts. The floor writes the same rows with prepared
+// cash-flow transactions with two splits each (N is the benchmark's argument: 50,000 and
+// 1,000,000), then fetches by a predicate and counts. The floor writes the same rows with prepared
 // statements and no object graph.
 #include <cstdlib>
 #include <filesystem>
@@ -15,9 +15,8 @@
 namespace ledgeon {
 namespace {
 
-size_t transactionCount() {
-  const char* text = std::getenv("LEDGEON_BENCH_TRANSACTIONS");
-  return text ? std::strtoul(text, nullptr, 10) : 100000;
+size_t transactionCount(const benchmark::State& state) {
+  return static_cast<size_t>(state.range(0));
 }
 
 // Amounts from -999.99 to 999.99 in a fixed cycle, so about half are below zero.
@@ -26,10 +25,10 @@ Amount amountFor(size_t i) {
   return Amount::fromParts(static_cast<UInt128>(cents < 0 ? -cents : cents), -2, cents < 0);
 }
 
-std::filesystem::path freshStore(const char* name) {
+std::filesystem::path freshStore(const char* name, size_t n) {
   const auto folder = std::filesystem::temp_directory_path() / "ledgeon-bench";
   std::filesystem::create_directories(folder);
-  const auto file = folder / name;
+  const auto file = folder / (std::string(name) + "-" + std::to_string(n) + ".data");
   for (const char* suffix : {"", "-wal", "-shm"}) std::filesystem::remove(file.string() + suffix);
   return file;
 }
@@ -42,45 +41,57 @@ std::unique_ptr<DataBase> openStore(const std::filesystem::path& file, bool fres
 
 int entityId(const char* name) { return Model::shared().requireEntity(name).id; }
 
-// The store a model run leaves: also the input of the fetch and count groups.
-const std::filesystem::path& modelStore() {
-  static const std::filesystem::path file =
-      std::filesystem::temp_directory_path() / "ledgeon-bench" / "model.data";
+// The transactions and their splits, created through the model and committed.
+bool createLedger(DataBase& db, size_t n) {
+  LObject& account = db.createEntity("Account", {{"name", Value("Checking")}});
+  const Date day(760000000.0);
+  for (size_t i = 0; i < n; ++i) {
+    const Amount amount = amountFor(i);
+    LObject& transaction = db.createEntity(
+        "CashFlowTransaction",
+        {{"account", Value(&account)}, {"amount", Value(amount)}, {"enteredDate", Value(day)}});
+    for (int64_t sequence = 0; sequence < 2; ++sequence) {
+      db.createEntity("CashFlowTransactionEntry", {{"parent", Value(&transaction)},
+                                                   {"amount", Value(amount)},
+                                                   {"sequenceNumber", Value(sequence)}});
+    }
+  }
+  return db.commit().ok();
+}
+
+// The store a model run leaves, the input of the fetch and count groups; made here when the
+// create group did not run.
+std::filesystem::path modelStore(size_t n) {
+  const auto file = std::filesystem::temp_directory_path() / "ledgeon-bench" /
+                    ("model-" + std::to_string(n) + ".data");
+  if (!std::filesystem::exists(file)) {
+    auto db = openStore(freshStore("model", n), true);
+    if (!createLedger(*db, n)) throw std::runtime_error("cannot create " + file.string());
+  }
   return file;
 }
 
 void createThroughModel(benchmark::State& state) {
-  const size_t n = transactionCount();
+  const size_t n = transactionCount(state);
   for (auto _ : state) {
     state.PauseTiming();
-    const auto file = freshStore("model.data");
-    auto db = openStore(file, true);
-    LObject& account = db->createEntity("Account", {{"name", Value("Checking")}});
+    auto db = openStore(freshStore("model", n), true);
     state.ResumeTiming();
-    const Date day(760000000.0);
-    for (size_t i = 0; i < n; ++i) {
-      const Amount amount = amountFor(i);
-      LObject& transaction = db->createEntity(
-          "CashFlowTransaction",
-          {{"account", Value(&account)}, {"amount", Value(amount)}, {"enteredDate", Value(day)}});
-      for (int64_t sequence = 0; sequence < 2; ++sequence) {
-        db->createEntity("CashFlowTransactionEntry", {{"parent", Value(&transaction)},
-                                                      {"amount", Value(amount)},
-                                                      {"sequenceNumber", Value(sequence)}});
-      }
-    }
-    if (!db->commit().ok()) state.SkipWithError("commit failed");
+    if (!createLedger(*db, n)) state.SkipWithError("commit failed");
+    state.PauseTiming();
+    db.reset();  // tearing the graph down is not part of creating it
+    state.ResumeTiming();
   }
   state.counters["transactions"] = static_cast<double>(n);
 }
 
 void createFloor(benchmark::State& state) {
-  const size_t n = transactionCount();
+  const size_t n = transactionCount(state);
   const int transactionEntity = entityId("CashFlowTransaction");
   const int entryEntity = entityId("CashFlowTransactionEntry");
   for (auto _ : state) {
     state.PauseTiming();
-    const auto file = freshStore("floor.data");
+    const auto file = freshStore("floor", n);
     openStore(file, true).reset();  // the same schema, made by the store
     sqlite3* db = nullptr;
     sqlite3_open(file.string().c_str(), &db);
@@ -139,11 +150,12 @@ void createFloor(benchmark::State& state) {
 // Loads the transactions below -500 and every split, from a freshly opened store, and reports
 // the heap they take per transaction (with its two splits).
 void fetchThroughModel(benchmark::State& state) {
+  const auto store = modelStore(transactionCount(state));
   size_t loaded = 0;
   double bytesPerTransaction = 0;
   for (auto _ : state) {
     state.PauseTiming();
-    auto db = openStore(modelStore(), false);
+    auto db = openStore(store, false);
     const size_t heapBefore = mallinfo2().uordblks;
     state.ResumeTiming();
     const auto transactions = db->instancesOfClass(
@@ -156,6 +168,7 @@ void fetchThroughModel(benchmark::State& state) {
     bytesPerTransaction =
         static_cast<double>(heapAfter - heapBefore) / static_cast<double>(entries.size() / 2);
     benchmark::DoNotOptimize(entries.data());
+    db.reset();
     state.ResumeTiming();
   }
   state.counters["matched"] = static_cast<double>(loaded);
@@ -163,10 +176,11 @@ void fetchThroughModel(benchmark::State& state) {
 }
 
 void fetchFloor(benchmark::State& state) {
+  const auto store = modelStore(transactionCount(state));
   size_t matched = 0;
   for (auto _ : state) {
     sqlite3* db = nullptr;
-    sqlite3_open_v2(modelStore().string().c_str(), &db, SQLITE_OPEN_READONLY, nullptr);
+    sqlite3_open_v2(store.string().c_str(), &db, SQLITE_OPEN_READONLY, nullptr);
     sqlite3_stmt* select = nullptr;
     // The same rows and columns; the amount test is a plain numeric cast here, the floor.
     sqlite3_prepare_v2(db, "SELECT * FROM \"Transaction\" WHERE CAST(amount AS REAL) < -500", -1,
@@ -192,7 +206,7 @@ void fetchFloor(benchmark::State& state) {
 }
 
 void countThroughModel(benchmark::State& state) {
-  auto db = openStore(modelStore(), false);
+  auto db = openStore(modelStore(transactionCount(state)), false);
   const Predicate predicate = Predicate::withFormat("amount < %@", Amount::fromInt64(-500));
   for (auto _ : state) {
     benchmark::DoNotOptimize(db->countForInstancesOfClass("Transaction", predicate));
@@ -201,7 +215,8 @@ void countThroughModel(benchmark::State& state) {
 
 void countFloor(benchmark::State& state) {
   sqlite3* db = nullptr;
-  sqlite3_open_v2(modelStore().string().c_str(), &db, SQLITE_OPEN_READONLY, nullptr);
+  sqlite3_open_v2(modelStore(transactionCount(state)).string().c_str(), &db, SQLITE_OPEN_READONLY,
+                  nullptr);
   sqlite3_stmt* count = nullptr;
   sqlite3_prepare_v2(db,
                      "SELECT COUNT(*) FROM \"Transaction\" WHERE CAST(amount AS REAL) < -500 AND "
@@ -216,12 +231,46 @@ void countFloor(benchmark::State& state) {
   sqlite3_close(db);
 }
 
-BENCHMARK(createFloor)->Name("Create/floor")->Iterations(1)->Unit(benchmark::kMillisecond);
-BENCHMARK(createThroughModel)->Name("Create/model")->Iterations(1)->Unit(benchmark::kMillisecond);
-BENCHMARK(fetchFloor)->Name("Fetch/floor")->Iterations(3)->Unit(benchmark::kMillisecond);
-BENCHMARK(fetchThroughModel)->Name("Fetch/model")->Iterations(3)->Unit(benchmark::kMillisecond);
-BENCHMARK(countFloor)->Name("Count/floor")->Iterations(5)->Unit(benchmark::kMillisecond);
-BENCHMARK(countThroughModel)->Name("Count/model")->Iterations(5)->Unit(benchmark::kMillisecond);
+// Sizes: a quick run, and the million transactions a long-kept household ledger can reach.
+constexpr int64_t kSmall = 50000;
+constexpr int64_t kLarge = 1000000;
+
+BENCHMARK(createFloor)
+    ->Name("Create/floor")
+    ->Arg(kSmall)
+    ->Arg(kLarge)
+    ->Iterations(1)
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK(createThroughModel)
+    ->Name("Create/model")
+    ->Arg(kSmall)
+    ->Arg(kLarge)
+    ->Iterations(1)
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK(fetchFloor)
+    ->Name("Fetch/floor")
+    ->Arg(kSmall)
+    ->Arg(kLarge)
+    ->Iterations(3)
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK(fetchThroughModel)
+    ->Name("Fetch/model")
+    ->Arg(kSmall)
+    ->Arg(kLarge)
+    ->Iterations(3)
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK(countFloor)
+    ->Name("Count/floor")
+    ->Arg(kSmall)
+    ->Arg(kLarge)
+    ->Iterations(5)
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK(countThroughModel)
+    ->Name("Count/model")
+    ->Arg(kSmall)
+    ->Arg(kLarge)
+    ->Iterations(5)
+    ->Unit(benchmark::kMillisecond);
 
 }  // namespace
 }  // namespace ledgeon

@@ -21,6 +21,7 @@ struct DbOptions {
   std::string predicate = "TRUEPREDICATE";
   std::vector<std::string> arguments;
   std::vector<std::string> sort;
+  std::vector<std::string> prefetch;
   size_t limit = 0;
   bool includeDeleted = false;
   bool sample = false;
@@ -137,7 +138,8 @@ void runQuery(const DbOptions& options) {
   if (!predicate) throw CommandFailure(predicate.error().localizedDescription());
   FetchOptions fetch{.predicate = *predicate,
                      .fetchLimit = options.limit,
-                     .includeDeleted = options.includeDeleted};
+                     .includeDeleted = options.includeDeleted,
+                     .prefetchKeyPaths = options.prefetch};
   for (const std::string& key : options.sort) {
     const bool descending = key.size() > 5 && key.compare(key.size() - 5, 5, ":desc") == 0;
     fetch.sortDescriptors.push_back(
@@ -155,6 +157,20 @@ void runQuery(const DbOptions& options) {
       if (value.isNull()) continue;
       row[p->name] = jsonValue(value);
       line += " " + p->name + "=" + textValue(value);
+    }
+    // The members of prefetched to-many relationships.
+    for (const std::string& keyPath : options.prefetch) {
+      const std::string key = keyPath.substr(0, keyPath.find('.'));
+      const PropertyDescription* p = object->entity().property(key);
+      if (!p || !p->isToMany() || row.contains(key)) continue;
+      nlohmann::json members = nlohmann::json::array();
+      std::string list;
+      for (LObject* member : object->objectsForKey(key)) {
+        members.push_back(jsonValue(Value(member)));
+        list += (list.empty() ? "" : ", ") + textValue(Value(member));
+      }
+      row[key] = std::move(members);
+      line += " " + key + "=[" + list + "]";
     }
     if (options.json) {
       rows.push_back(std::move(row));
@@ -210,6 +226,9 @@ const SubcommandRegistration registration(300, [](CLI::App& app) {
       "Values for %@ %d %ld %K; prefix int:, amount:, date: or text: to force a kind");
   query->add_option("--sort", queryOptions->sort, "Sort key path; append :desc to reverse");
   query->add_option("--limit", queryOptions->limit, "At most this many objects");
+  query->add_option("--prefetch", queryOptions->prefetch,
+                    "Load this relationship key path with the objects (entries.categoryTag); "
+                    "to-many members are listed");
   query->add_flag("--include-deleted", queryOptions->includeDeleted,
                   "Include soft-deleted objects");
   query->add_flag("--json", queryOptions->json, "Print the objects as JSON");

@@ -34,7 +34,13 @@ std::string CreateTransactionCommand::transactionClassForAccount(LObject& accoun
 CreateCashFlowTransactionCommand::CreateCashFlowTransactionCommand(
     EditDict properties, std::vector<EditDict> creationLines,
     std::shared_ptr<LCommandDocument> document)
-    : CreateTransactionCommand("CashFlowTransaction", std::move(properties), std::move(document)),
+    : CreateCashFlowTransactionCommand("CashFlowTransaction", std::move(properties),
+                                       std::move(creationLines), std::move(document)) {}
+
+CreateCashFlowTransactionCommand::CreateCashFlowTransactionCommand(
+    std::string entityClass, EditDict properties, std::vector<EditDict> creationLines,
+    std::shared_ptr<LCommandDocument> document)
+    : CreateTransactionCommand(std::move(entityClass), std::move(properties), std::move(document)),
       creationLines_(std::move(creationLines)) {}
 
 std::string CreateCashFlowTransactionCommand::commandNoun() {

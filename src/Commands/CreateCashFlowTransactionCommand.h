@@ -12,7 +12,7 @@ namespace ledgeon {
 class CreateTransactionCommand : public CreateLObjectCommand {
  public:
   using CreateLObjectCommand::CreateLObjectCommand;
-  std::string className() const override { return "CreateTransactionCommand"; }
+  LEDGEON_COMMAND_CLASS(CreateTransactionCommand, CreateLObjectCommand)
 
   // The transaction class an account's register holds: investment accounts hold
   // "InvestmentTransaction", every other kind "CashFlowTransaction".
@@ -26,7 +26,7 @@ class CreateCashFlowTransactionCommand : public CreateTransactionCommand {
  public:
   CreateCashFlowTransactionCommand(EditDict properties, std::vector<EditDict> creationLines,
                                    std::shared_ptr<LCommandDocument> document = nullptr);
-  std::string className() const override { return "CreateCashFlowTransactionCommand"; }
+  LEDGEON_COMMAND_CLASS(CreateCashFlowTransactionCommand, CreateTransactionCommand)
   std::string commandNoun() override;  // "UndoNoun_CreateCashFlowTransaction"
 
   // A duplicate is a new object for the cloud service: its syncID is dropped.
@@ -37,6 +37,10 @@ class CreateCashFlowTransactionCommand : public CreateTransactionCommand {
   }
 
  protected:
+  // For the commands that create a kind of cash-flow transaction (scheduled ones).
+  CreateCashFlowTransactionCommand(std::string entityClass, EditDict properties,
+                                   std::vector<EditDict> creationLines,
+                                   std::shared_ptr<LCommandDocument> document);
   LObject* createObject(EditDict properties) override;
   void undoCreation() override;
   void redoCreation() override;

@@ -3,6 +3,7 @@
 #include "Commands/MainMenuTags.h"
 #include "DataBase/DataBase.h"
 #include "LObjects/LObject.h"
+#include "Utilities/Log.h"
 #include "Utilities/StringsTable.h"
 
 namespace ledgeon {
@@ -26,8 +27,15 @@ bool CreateLObjectCommand::doit() {
 }
 
 LObject* CreateLObjectCommand::createObject(EditDict properties) {
-  return &LObject::createEntityInManagedObjectContext(requireDocument().dataBase(), objectClass(),
-                                                      properties);
+  DataBase& dataBase = requireDocument().dataBase();
+  ErrorDictionary errors;
+  if (!LObject::validateCreateData(properties, dataBase.entityDescriptionForName(objectClass()),
+                                   errors)) {
+    LLog("ERROR: %@ refused to create %@: %@", className(), objectClass(),
+         LObject::errorStringForErrorDictionary(errors));
+    return nullptr;
+  }
+  return &LObject::createEntityInManagedObjectContext(dataBase, objectClass(), properties);
 }
 
 void CreateLObjectCommand::undoit() {

@@ -16,7 +16,7 @@ class CreateLObjectCommand : public KVCommand {
  public:
   CreateLObjectCommand(std::string objectClass, EditDict properties,
                        std::shared_ptr<LCommandDocument> document = nullptr);
-  std::string className() const override { return "CreateLObjectCommand"; }
+  LEDGEON_COMMAND_CLASS(CreateLObjectCommand, KVCommand)
 
   bool doit() override;
   void undoit() override;
@@ -28,8 +28,9 @@ class CreateLObjectCommand : public KVCommand {
   const EditDict& properties() const { return properties_; }
 
  protected:
-  // Creates the entity inside the command's store transaction; subclasses that build more than
-  // one object override it (and undo what they built in undoCreation/redoCreation).
+  // Creates the entity inside the command's store transaction; properties that don't fit the
+  // entity are logged and nothing is created (null). Subclasses that build more than one object
+  // override it (and undo what they built in undoCreation/redoCreation).
   virtual LObject* createObject(EditDict properties);
   virtual void undoCreation() {}
   virtual void redoCreation() {}

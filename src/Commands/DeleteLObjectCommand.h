@@ -14,7 +14,7 @@ class DeleteLObjectCommand : public KVCommand {
  public:
   explicit DeleteLObjectCommand(LObject& entity,
                                 std::shared_ptr<LCommandDocument> document = nullptr);
-  std::string className() const override { return "DeleteLObjectCommand"; }
+  LEDGEON_COMMAND_CLASS(DeleteLObjectCommand, KVCommand)
 
   bool doit() override;
   void undoit() override;

@@ -19,7 +19,7 @@ inline constexpr const char* kLEditTransactionEntityClass = "LEditTransaction_En
 class EditCashFlowTransactionEntryCommand : public KVCommand {
  public:
   using KVCommand::KVCommand;
-  std::string className() const override { return "EditCashFlowTransactionEntryCommand"; }
+  LEDGEON_COMMAND_CLASS(EditCashFlowTransactionEntryCommand, KVCommand)
   std::string commandNoun() override;
 };
 
@@ -31,7 +31,7 @@ class CreateCashFlowTransactionEntryCommand : public EditCashFlowTransactionEntr
   CreateCashFlowTransactionEntryCommand(LObject& transaction, std::string relationshipKey,
                                         std::string entityClass, EditDict properties,
                                         std::shared_ptr<LCommandDocument> document = nullptr);
-  std::string className() const override { return "CreateCashFlowTransactionEntryCommand"; }
+  LEDGEON_COMMAND_CLASS(CreateCashFlowTransactionEntryCommand, EditCashFlowTransactionEntryCommand)
 
   bool doit() override;
   void undoit() override;

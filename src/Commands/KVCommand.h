@@ -6,10 +6,19 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "Commands/LCommandDocument.h"
 #include "Utilities/Date.h"
+
+// Names a command class inside its definition: its className() and its place in the class tree.
+#define LEDGEON_COMMAND_CLASS(Name, Base)                       \
+  static constexpr const char* kClassName = #Name;              \
+  std::string className() const override { return kClassName; } \
+  bool isKindOfClass(std::string_view name) const override {    \
+    return name == kClassName || Base::isKindOfClass(name);     \
+  }
 
 namespace ledgeon {
 
@@ -44,6 +53,8 @@ class KVCommand : public std::enable_shared_from_this<KVCommand> {
 
   // The command's class name ("CreateAccountCommand"): menus, private state and logs use it.
   virtual std::string className() const { return "KVCommand"; }
+  // Whether the command is of the named class or of a class derived from it.
+  virtual bool isKindOfClass(std::string_view name) const { return name == "KVCommand"; }
 
   // Through the document's command manager, or doit directly without a document. Returns done().
   bool execute();

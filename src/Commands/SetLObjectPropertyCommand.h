@@ -12,7 +12,7 @@ namespace ledgeon {
 class KVSetCommand : public KVCommand {
  public:
   using KVCommand::KVCommand;
-  std::string className() const override { return "KVSetCommand"; }
+  LEDGEON_COMMAND_CLASS(KVSetCommand, KVCommand)
 };
 
 // The generic edit: applies an edit dictionary to one entity inside a store transaction and
@@ -21,7 +21,7 @@ class SetLObjectPropertyCommand : public KVSetCommand {
  public:
   SetLObjectPropertyCommand(LObject& entity, EditDict dictionary,
                             std::shared_ptr<LCommandDocument> document = nullptr);
-  std::string className() const override { return "SetLObjectPropertyCommand"; }
+  LEDGEON_COMMAND_CLASS(SetLObjectPropertyCommand, KVSetCommand)
 
   bool doit() override;
   void undoit() override;

@@ -68,6 +68,7 @@ DataBase::DataBase(std::filesystem::path file, std::unique_ptr<sql::Connection> 
       connection_(std::move(connection)),
       mainThread_(std::this_thread::get_id()),
       lock_(mainThread_) {
+  openBookmark();
   const Model& model = Model::shared();
   for (const schema::TableLayout& layout : schema::tableLayouts()) {
     auto table = std::make_unique<Table>();
@@ -103,6 +104,7 @@ void DataBase::close() {
     table->objects.clear();
   }
   if (connection_) connection_->close();
+  closeBookmark();
 }
 
 void DataBase::reset() {
@@ -192,6 +194,11 @@ void DataBase::fillFromRow(LObject& object, const sql::Statement& row) {
   Table& table = tableFor(object.storedEntity());
   const auto& slots = table.slotsByEntity[static_cast<size_t>(object.storedEntity().id)];
   const auto& columns = table.layout->columns;
+  size_t present = 0;
+  for (size_t i = 0; i < columns.size(); ++i) {
+    if (slots[i] >= 0 && !row.isNull(static_cast<int>(i) + 2)) ++present;
+  }
+  object.reservePrimitiveValues(present);
   for (size_t i = 0; i < columns.size(); ++i) {
     const int column = static_cast<int>(i) + 2;
     if (slots[i] < 0 || row.isNull(column)) continue;
@@ -218,6 +225,21 @@ LObject& DataBase::materialize(const EntityDescription& rootEntity, const sql::S
   }
   LObject& object = registerObject(entity, primaryKey, false);
   fillFromRow(object, row);
+  return object;
+}
+
+LObject& DataBase::materializeFault(const EntityDescription& rootEntity,
+                                    const sql::Statement& row) {
+  Table& table = tableFor(rootEntity);
+  const int64_t primaryKey = row.integer(0);
+  const auto it = table.objects.find(primaryKey);
+  const EntityDescription& entity = Model::shared().entity(static_cast<int>(row.integer(1)));
+  if (it != table.objects.end()) {
+    if (it->second->isFault()) it->second->setEntity(entity);
+    return *it->second;
+  }
+  LObject& object = registerObject(entity, primaryKey, true);
+  object.setEntity(entity);
   return object;
 }
 

@@ -48,6 +48,12 @@ class DataBase final : public LObjectContext {
   Result<void> commit() { return commitAndSendNotifications(true); }
   Result<void> commitAndSendNotifications(bool sendNotifications);
   const std::filesystem::path& fileURL() const { return file_; }
+  // The store file where it is now. The open store keeps a bookmark on the file itself, so a
+  // rename or move of the file or of a folder above it, which a path alone would lose, is
+  // followed (DataBaseBookmark.cpp).
+  std::filesystem::path bookmarkedFileURL() const;
+  // Whether the store file has been moved or renamed since it was opened.
+  bool fileWasMoved() const;
   const std::set<std::string>& modifiedEntityTypes() const { return modifiedEntityTypes_; }
   // The stored model version name and entity version hashes.
   std::map<std::string, std::string> storeMetadata();
@@ -164,6 +170,16 @@ class DataBase final : public LObjectContext {
   LObject& registerObject(const EntityDescription& entity, int64_t primaryKey, bool fault);
   void fillFromRow(LObject& object, const sql::Statement& row);
   LObject& materialize(const EntityDescription& rootEntity, const sql::Statement& row);
+  // The object of a fetched row read as faults (Z_PK and Z_ENT only).
+  LObject& materializeFault(const EntityDescription& rootEntity, const sql::Statement& row);
+  // Loads the stored values of the faults among `objects` a batch of rows at a time
+  // (DataBasePrefetch.cpp).
+  void fulfillFaults(const std::vector<LObject*>& objects);
+  void prefetchKeyPath(const std::vector<LObject*>& objects, std::string_view keyPath);
+  void prefetchToMany(const std::vector<LObject*>& owners, const PropertyDescription& property,
+                      std::vector<LObject*>& members);
+  Result<void> validatePrefetchKeyPath(const EntityDescription& entity,
+                                       std::string_view keyPath) const;
   std::vector<LObject*> pendingObjectsOfEntity(const EntityDescription& entity);
   bool hasPendingChangesFor(const EntityDescription& entity) const;
   Result<void> validateOptions(const EntityDescription& entity, const FetchOptions& options) const;
@@ -173,8 +189,12 @@ class DataBase final : public LObjectContext {
   void postCommitNotifications(const ObjectSet& added, const ObjectSet& changed,
                                const ObjectSet& deleted, const std::set<std::string>& properties);
   sql::Connection& backgroundConnection();
+  void openBookmark();
+  void closeBookmark();
 
   std::filesystem::path file_;
+  std::filesystem::path openedAt_;  // the file's absolute path when opened
+  int bookmark_ = -1;               // a descriptor of the file, which moves with it
   std::unique_ptr<sql::Connection> connection_;
   std::thread::id mainThread_;
   std::vector<std::unique_ptr<Table>> tables_;  // by root, in the model's root order
@@ -182,7 +202,7 @@ class DataBase final : public LObjectContext {
   std::unordered_map<LObject*, ChangeRecord> updated_;
   std::vector<LObject*> deleted_;
   std::set<std::string> modifiedEntityTypes_;
-  std::unordered_map<std::string, LObject*> documentPropertyCache_;
+  NameMap<LObject*> documentPropertyCache_;
   ReaderCommitterLock lock_;
   std::mutex threadDictionariesLock_;
   std::map<std::thread::id, std::unique_ptr<sql::Connection>> threadDictionaries_;

@@ -19,6 +19,20 @@ Result<const EntityDescription*> findEntity(std::string_view name) {
   return entity;
 }
 
+// Whether a valid key path goes through a to-many relationship (sorting cannot).
+bool throughToMany(const EntityDescription& entity, std::string_view keyPath) {
+  const EntityDescription* current = &entity;
+  while (current) {
+    const size_t dot = keyPath.find('.');
+    const PropertyDescription* p = current->property(keyPath.substr(0, dot));
+    if (!p || p->isToMany()) return p != nullptr;
+    if (dot == std::string_view::npos) return false;
+    current = p->target;
+    keyPath.remove_prefix(dot + 1);
+  }
+  return false;
+}
+
 void sortInMemory(std::vector<LObject*>& objects, const std::vector<SortDescriptor>& sorts) {
   std::stable_sort(objects.begin(), objects.end(), [&sorts](LObject* a, LObject* b) {
     for (const SortDescriptor& sort : sorts) {
@@ -79,6 +93,15 @@ Result<void> DataBase::validateOptions(const EntityDescription& entity,
     auto keyPredicate = Predicate::parse("%K == nil", {Value(sort.keyPath)});
     if (!keyPredicate) return keyPredicate.error();
     if (auto ok = keyPredicate->validate(entity); !ok) return ok;
+    if (throughToMany(entity, sort.keyPath)) {
+      return Error::make(kLErrorDomain, 2,
+                         "cannot sort by \"" + sort.keyPath +
+                             "\": it goes through a to-many "
+                             "relationship");
+    }
+  }
+  for (const std::string& keyPath : options.prefetchKeyPaths) {
+    if (auto ok = validatePrefetchKeyPath(entity, keyPath); !ok) return ok;
   }
   return {};
 }
@@ -94,25 +117,29 @@ Result<std::vector<LObject*>> DataBase::fetch(std::string_view entityName,
   try {
     sql::QueryBuilder builder(entity);
     const Table& table = tableFor(entity);
-    sql::Statement select =
-        connection_->prepare(builder.select(table.layout->selectColumns, options, !pending));
+    const std::string& columns =
+        options.asFaults ? std::string("t0.Z_PK, t0.Z_ENT") : table.layout->selectColumns;
+    sql::Statement select = connection_->prepare(builder.select(columns, options, !pending));
     builder.bindAll(select);
     while (select.step()) {
-      LObject& object = materialize(*entity.root, select);
+      LObject& object = options.asFaults ? materializeFault(*entity.root, select)
+                                         : materialize(*entity.root, select);
       if (!pending || object.storeState() == LObject::StoreState::Clean) objects.push_back(&object);
     }
   } catch (const std::exception& e) {
     return Error::make(kLErrorDomain, 4, std::string("fetch failed: ") + e.what());
   }
-  if (!pending) return objects;
-  for (LObject* object : pendingObjectsOfEntity(entity)) {
-    if (!options.includeDeleted && object->isLObjectDeleted()) continue;
-    if (options.predicate.evaluate(*object)) objects.push_back(object);
+  if (pending) {
+    for (LObject* object : pendingObjectsOfEntity(entity)) {
+      if (!options.includeDeleted && object->isLObjectDeleted()) continue;
+      if (options.predicate.evaluate(*object)) objects.push_back(object);
+    }
+    sortInMemory(objects, options.sortDescriptors);
+    if (options.fetchLimit > 0 && objects.size() > options.fetchLimit) {
+      objects.resize(options.fetchLimit);
+    }
   }
-  sortInMemory(objects, options.sortDescriptors);
-  if (options.fetchLimit > 0 && objects.size() > options.fetchLimit) {
-    objects.resize(options.fetchLimit);
-  }
+  for (const std::string& keyPath : options.prefetchKeyPaths) prefetchKeyPath(objects, keyPath);
   return objects;
 }
 
@@ -187,7 +214,7 @@ sql::Connection& DataBase::backgroundConnection() {
   std::lock_guard lock(threadDictionariesLock_);
   auto& connection = threadDictionaries_[std::this_thread::get_id()];
   if (!connection) {
-    auto opened = sql::Connection::open(file_.string(), SQLITE_OPEN_READONLY);
+    auto opened = sql::Connection::open(bookmarkedFileURL().string(), SQLITE_OPEN_READONLY);
     if (!opened) throw std::runtime_error(opened.error().localizedDescription());
     connection = std::make_unique<sql::Connection>(std::move(opened).value());
   }

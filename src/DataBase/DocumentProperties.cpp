@@ -15,7 +15,7 @@ std::string storedText(const Value& value) {
 }  // namespace
 
 LObject* DataBase::getDocumentPropertyNamed(std::string_view name) {
-  const auto cached = documentPropertyCache_.find(std::string(name));
+  const auto cached = documentPropertyCache_.find(name);
   if (cached != documentPropertyCache_.end()) return cached->second;
   const auto found = instancesOfClass(
       "DocumentProperty",

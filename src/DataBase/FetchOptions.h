@@ -21,6 +21,12 @@ struct FetchOptions {
   std::vector<SortDescriptor> sortDescriptors;
   size_t fetchLimit = 0;        // 0: no limit
   bool includeDeleted = false;  // soft-deleted objects are left out unless asked for
+  // Objects not loaded yet come back as faults: their values are read on first use. For fetches
+  // that only need identities (counting members, building sets to compare).
+  bool asFaults = false;
+  // Relationship key paths ("account", "entries.categoryTag") whose objects are loaded together
+  // with the fetched ones: a few queries in all instead of one per object on first use.
+  std::vector<std::string> prefetchKeyPaths;
 };
 
 }  // namespace ledgeon

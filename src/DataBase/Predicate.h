@@ -29,7 +29,11 @@ struct PredicateNode {
     EndsWith,
     In
   };
-  // One side of a comparison: a key path, a constant or a list of constants.
+  // How a comparison whose key path goes through a to-many relationship treats the members:
+  // true when any member passes (also with no quantifier written), when all do, when none does.
+  enum class Quantifier : uint8_t { Implicit, Any, All, NoMember };
+  // One side of a comparison: a key path, a constant or a list of constants. A key path may go
+  // through one to-many relationship and fold its members with @count, @sum, @min, @max, @avg.
   struct Operand {
     std::vector<std::string> keyPath;  // empty for a constant
     Value constant;
@@ -39,6 +43,7 @@ struct PredicateNode {
   Type type = Type::True;
   Operator op = Operator::Equal;
   bool caseInsensitive = false;
+  Quantifier quantifier = Quantifier::Implicit;
   Operand left;
   Operand right;
   std::vector<PredicateNode> children;
@@ -47,6 +52,7 @@ struct PredicateNode {
 // A filter over ledger objects written in the program's predicate language:
 //   (syncID != NULL AND modificationTimestamp > %@) OR account.syncWithCloud == 1
 //   name like[c] "Sav*" AND NOT (type IN {1, 2}) AND %K beginswith %@
+//   ANY entries.categoryTag.name == "Rent" OR entries.@count > 2 OR ALL entries.amount < 0
 // Arguments: %@ (any Value), %K (a key path given as text), %d %ld %i %lu (integers).
 // The same predicate compiles to SQL for the store and evaluates in memory on objects; both agree.
 class Predicate final {
@@ -65,7 +71,8 @@ class Predicate final {
   const PredicateNode& root() const { return *root_; }
   bool isTrue() const { return root_->type == PredicateNode::Type::True; }
 
-  // Every key path names properties of `entity`, going through to-one relationships only.
+  // Every key path names properties of `entity`, going through to-one relationships and at most
+  // one to-many relationship.
   Result<void> validate(const EntityDescription& entity) const;
   // Evaluated in memory. The predicate must be valid for the object's entity.
   bool evaluate(LObject& object) const;

@@ -2,6 +2,7 @@
 #include <fmt/format.h>
 
 #include "DataBase/Predicate.h"
+#include "DataBase/internal/KeyPaths.h"
 #include "DataBase/internal/StringMatch.h"
 #include "LObjects/LObject.h"
 #include "Utilities/Error.h"
@@ -19,34 +20,6 @@ std::string joined(const std::vector<std::string>& path) {
   return text;
 }
 
-Result<void> validateKeyPath(const EntityDescription& entity,
-                             const std::vector<std::string>& path) {
-  const EntityDescription* current = &entity;
-  for (size_t i = 0; i < path.size(); ++i) {
-    const PropertyDescription* p = current->property(path[i]);
-    if (!p) {
-      return Error::make(kLErrorDomain, 2,
-                         "unknown key \"" + path[i] + "\" for " + current->name +
-                             " in key path \"" + joined(path) + "\"");
-    }
-    if (p->isToMany()) {
-      return Error::make(kLErrorDomain, 2,
-                         "key path \"" + joined(path) +
-                             "\" goes through the to-many relationship " + current->name + "." +
-                             p->name + ", which predicates do not support");
-    }
-    if (i + 1 < path.size()) {
-      if (!p->isToOne()) {
-        return Error::make(kLErrorDomain, 2,
-                           "key path \"" + joined(path) + "\" continues after the attribute " +
-                               current->name + "." + p->name);
-      }
-      current = p->target;
-    }
-  }
-  return {};
-}
-
 Result<void> validateNode(const Node& node, const EntityDescription& entity) {
   if (node.type != Node::Type::Comparison) {
     for (const Node& child : node.children) {
@@ -54,15 +27,66 @@ Result<void> validateNode(const Node& node, const EntityDescription& entity) {
     }
     return {};
   }
+  bool quantified = false;
   for (const Node::Operand* operand : {&node.left, &node.right}) {
     if (!operand->isKeyPath()) continue;
-    if (auto r = validateKeyPath(entity, operand->keyPath); !r) return r;
+    auto shape = keypath::shapeOf(entity, operand->keyPath);
+    if (!shape) return shape.error();
+    if (shape->quantified() && quantified) {
+      return Error::make(kLErrorDomain, 2,
+                         "a comparison may go through a to-many relationship on one side only");
+    }
+    quantified = quantified || shape->quantified();
+  }
+  if (node.quantifier != Node::Quantifier::Implicit && !quantified) {
+    return Error::make(kLErrorDomain, 2,
+                       "ANY, ALL and NONE need a key path through a to-many relationship");
   }
   return {};
 }
 
+// The members' values of a key path through a to-many relationship (or, with an aggregate,
+// their fold); `shape` is the path's shape on the object's entity.
+std::vector<Value> memberValues(const std::vector<std::string>& path, const keypath::Shape& shape,
+                                LObject& object) {
+  std::vector<Value> values;
+  LObject* owner = &object;
+  for (size_t i = 0; i < shape.toMany && owner; ++i) owner = owner->valueForKey(path[i]).asObject();
+  if (!owner) return values;
+  for (LObject* member : owner->valueForKey(path[shape.toMany]).asObjects()) {
+    LObject* current = member;
+    for (size_t i = shape.memberPathStart(); i + 1 < path.size() && current; ++i) {
+      current = current->valueForKey(path[i]).asObject();
+    }
+    if (shape.memberPathStart() >= path.size()) {
+      values.emplace_back(member);
+    } else {
+      values.push_back(current ? current->valueForKey(path.back()) : Value());
+    }
+  }
+  return values;
+}
+
+keypath::Shape shapeOn(const Node::Operand& operand, LObject& object) {
+  if (!operand.isKeyPath()) return {};
+  auto shape = keypath::shapeOf(object.entity(), operand.keyPath);
+  return shape ? *shape : keypath::Shape{};
+}
+
 Value operandValue(const Node::Operand& operand, LObject& object) {
   if (!operand.isKeyPath()) return operand.constant;
+  const keypath::Shape shape = shapeOn(operand, object);
+  if (shape.aggregate != keypath::Aggregate::None) {
+    keypath::Fold fold(shape.aggregate);
+    for (const Value& value : memberValues(operand.keyPath, shape, object)) {
+      if (value.isNumber()) {
+        fold.add(value.asAmount());
+      } else {
+        fold.addNull();
+      }
+    }
+    return fold.result();
+  }
   LObject* current = &object;
   for (size_t i = 0; i + 1 < operand.keyPath.size(); ++i) {
     current = current->valueForKey(operand.keyPath[i]).asObject();
@@ -86,9 +110,7 @@ bool equal(const Value& a, const Value& b, bool caseInsensitive) {
   return compareValues(a, b) == 0;
 }
 
-bool evaluateComparison(const Node& node, LObject& object) {
-  const Value a = operandValue(node.left, object);
-  const Value b = operandValue(node.right, object);
+bool compare(const Node& node, const Value& a, const Value& b) {
   switch (node.op) {
     case Op::Equal:
       return equal(a, b, node.caseInsensitive);
@@ -127,6 +149,32 @@ bool evaluateComparison(const Node& node, LObject& object) {
       return false;
   }
   return false;
+}
+
+bool evaluateComparison(const Node& node, LObject& object) {
+  const keypath::Shape left = shapeOn(node.left, object);
+  const keypath::Shape right = shapeOn(node.right, object);
+  if (!left.quantified() && !right.quantified()) {
+    return compare(node, operandValue(node.left, object), operandValue(node.right, object));
+  }
+  const bool memberOnLeft = left.quantified();
+  const Value other = operandValue(memberOnLeft ? node.right : node.left, object);
+  const std::vector<Value> members = memberValues(
+      memberOnLeft ? node.left.keyPath : node.right.keyPath, memberOnLeft ? left : right, object);
+  size_t passing = 0;
+  for (const Value& member : members) {
+    if (memberOnLeft ? compare(node, member, other) : compare(node, other, member)) ++passing;
+  }
+  switch (node.quantifier) {
+    case Node::Quantifier::All:
+      return passing == members.size();
+    case Node::Quantifier::NoMember:
+      return passing == 0;
+    case Node::Quantifier::Implicit:
+    case Node::Quantifier::Any:
+      break;
+  }
+  return passing > 0;
 }
 
 bool evaluateNode(const Node& node, LObject& object) {
@@ -206,7 +254,9 @@ std::string nodeText(const Node& node) {
       break;
   }
   if (node.caseInsensitive) op += "[c]";
-  return operandText(node.left) + " " + op + " " + operandText(node.right);
+  static const char* const kQuantifiers[] = {"", "ANY ", "ALL ", "NONE "};
+  return kQuantifiers[static_cast<int>(node.quantifier)] + operandText(node.left) + " " + op + " " +
+         operandText(node.right);
 }
 
 }  // namespace

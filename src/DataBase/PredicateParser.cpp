@@ -124,6 +124,13 @@ class Parser {
       return node;
     }
     node.type = Node::Type::Comparison;
+    if (acceptKeyword("ANY") || acceptKeyword("SOME")) {
+      node.quantifier = Node::Quantifier::Any;
+    } else if (acceptKeyword("ALL")) {
+      node.quantifier = Node::Quantifier::All;
+    } else if (acceptKeyword("NONE")) {
+      node.quantifier = Node::Quantifier::NoMember;
+    }
     node.left = parseOperand();
     parseOperator(node);
     node.right = parseOperand();
@@ -236,9 +243,12 @@ class Parser {
   std::vector<std::string> parseKeyPath() {
     std::vector<std::string> path;
     do {
+      // Aggregates of a to-many relationship's members: "entries.@sum.amount".
+      const bool aggregate = !path.empty() && pos_ < text_.size() && text_[pos_] == '@';
+      if (aggregate) ++pos_;
       const std::string_view word = peekWord();
       if (word.empty()) fail("expected a key path or a value");
-      path.emplace_back(word);
+      path.push_back((aggregate ? "@" : "") + std::string(word));
       pos_ += word.size();
     } while (pos_ < text_.size() && text_[pos_] == '.' && ++pos_);
     return path;

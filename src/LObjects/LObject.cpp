@@ -72,30 +72,15 @@ void LObject::fulfill() {
 }
 
 const Value& LObject::primitiveValue(int index) const {
-  const auto it = std::lower_bound(
-      slots_.begin(), slots_.end(), index,
-      [](const std::pair<uint16_t, Value>& slot, int i) { return slot.first < i; });
-  return (it != slots_.end() && it->first == index) ? it->second : kNull;
+  const Value* value = slots_.find(index);
+  return value ? *value : kNull;
 }
 
-void LObject::setPrimitiveValue(int index, Value value) {
-  const auto it = std::lower_bound(
-      slots_.begin(), slots_.end(), index,
-      [](const std::pair<uint16_t, Value>& slot, int i) { return slot.first < i; });
-  const bool present = it != slots_.end() && it->first == index;
-  if (value.isNull()) {
-    if (present) slots_.erase(it);
-  } else if (present) {
-    it->second = std::move(value);
-  } else {
-    slots_.emplace(it, static_cast<uint16_t>(index), std::move(value));
-  }
-}
+void LObject::setPrimitiveValue(int index, Value value) { slots_.set(index, std::move(value)); }
 
 void LObject::clearToManyCaches() {
-  std::erase_if(slots_, [this](const std::pair<uint16_t, Value>& slot) {
-    return entity_->properties[slot.first]->isToMany();
-  });
+  slots_.eraseIf(
+      [this](int slot) { return entity_->properties[static_cast<size_t>(slot)]->isToMany(); });
 }
 
 const Value& LObject::slotValue(const PropertyDescription& p) {
@@ -379,11 +364,10 @@ std::string LObject::shortDescription() const {
 std::string LObject::description() {
   fulfill();
   std::string text = shortDescription() + " {";
-  for (const auto& [index, value] : slots_) {
-    const PropertyDescription* p = entity_->properties[index];
-    if (p->isToMany()) continue;
-    text += " " + p->name + " = " + value.description() + ";";
-  }
+  slots_.forEach([&](int index, const Value& value) {
+    const PropertyDescription* p = entity_->properties[static_cast<size_t>(index)];
+    if (!p->isToMany()) text += " " + p->name + " = " + value.description() + ";";
+  });
   return text + " }";
 }
 

@@ -9,6 +9,7 @@
 
 #include "LObjects/LObjectContext.h"
 #include "LObjects/Model.h"
+#include "LObjects/PropertySlots.h"
 #include "LObjects/Value.h"
 
 namespace ledgeon {
@@ -30,7 +31,9 @@ class LObject {
 
   // The concrete entity; a fault of a class with subclasses is fulfilled to learn it.
   const EntityDescription& entity() const {
-    if (fault_ && !entity_->subentities.empty()) const_cast<LObject*>(this)->fulfill();
+    if (fault_ && !entityKnown_ && !entity_->subentities.empty()) {
+      const_cast<LObject*>(this)->fulfill();
+    }
     return *entity_;
   }
   // The entity as known without loading: for a fault, the class its relationship declared.
@@ -105,13 +108,19 @@ class LObject {
   const Value& primitiveValue(int index) const;
   void setPrimitiveValue(int index, Value value);
   void setFault(bool fault) { fault_ = fault; }
-  void setEntity(const EntityDescription& entity) { entity_ = &entity; }
+  // The concrete entity, when the store knows it (a fault then need not load to tell it).
+  void setEntity(const EntityDescription& entity) {
+    entity_ = &entity;
+    entityKnown_ = true;
+  }
   StoreState storeState() const { return storeState_; }
   void setStoreState(StoreState state) { storeState_ = state; }
   template <typename F>
   void forEachPrimitiveValue(F&& f) const {
-    for (const auto& [index, value] : slots_) f(static_cast<int>(index), value);
+    slots_.forEach(std::forward<F>(f));
   }
+  // Room for `count` values, before the store fills a loaded object.
+  void reservePrimitiveValues(size_t count) { slots_.reserve(count); }
   void clearToManyCaches();
 
  private:
@@ -130,8 +139,9 @@ class LObject {
   int64_t primaryKey_;
   LObjectContext* context_;
   bool fault_ = false;
+  bool entityKnown_ = false;
   StoreState storeState_ = StoreState::Clean;
-  std::vector<std::pair<uint16_t, Value>> slots_;  // sorted by slot, only non-null values
+  PropertySlots slots_;  // only non-null values
 };
 
 // The value of `key` as an Amount: a number converts, an absent or null value is zero.

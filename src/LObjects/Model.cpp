@@ -35,7 +35,7 @@ std::string versionHashOf(const EntityDescription& entity) {
 }  // namespace
 
 const PropertyDescription* EntityDescription::property(std::string_view key) const {
-  const auto it = byName_.find(std::string(key));
+  const auto it = byName_.find(key);
   return it == byName_.end() ? nullptr : it->second;
 }
 
@@ -59,7 +59,7 @@ const Model& Model::shared() {
 }
 
 const EntityDescription* Model::entity(std::string_view name) const {
-  const auto it = byName_.find(std::string(name));
+  const auto it = byName_.find(name);
   return it == byName_.end() ? nullptr : it->second;
 }
 

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <deque>
+#include <functional>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -23,6 +24,16 @@ enum class AttributeType : uint8_t {
 enum class PropertyKind : uint8_t { Attribute = 0, ToOne = 1, ToMany = 2 };
 
 struct EntityDescription;
+
+// Hashing for maps keyed by name that are searched with string_views, without making a string.
+struct NameHash {
+  using is_transparent = void;
+  size_t operator()(std::string_view name) const noexcept {
+    return std::hash<std::string_view>{}(name);
+  }
+};
+template <typename T>
+using NameMap = std::unordered_map<std::string, T, NameHash, std::equal_to<>>;
 
 // One attribute or relationship of an entity, as the model table declares it, with what the
 // model derives from it (its slot, its column, its inverse).
@@ -68,7 +79,7 @@ struct EntityDescription {
 
  private:
   friend class Model;
-  std::unordered_map<std::string, const PropertyDescription*> byName_;
+  NameMap<const PropertyDescription*> byName_;
 };
 
 // The ledger's object model: every entity, attribute and relationship, built once from the model
@@ -97,7 +108,7 @@ class Model final {
   std::vector<const EntityDescription*> order_;     // table order (parents first)
   std::vector<const EntityDescription*> roots_;
   std::vector<const PropertyDescription*> joins_;
-  std::unordered_map<std::string, EntityDescription*> byName_;
+  NameMap<EntityDescription*> byName_;
 };
 
 // One row of the model table: an entity, its parent and its own properties.

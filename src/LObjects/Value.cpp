@@ -1,5 +1,6 @@
 #include "LObjects/Value.h"
 
+#include <atomic>
 #include <cmath>
 #include <stdexcept>
 
@@ -7,6 +8,8 @@
 #include "Utilities/StringWithFormat.h"
 
 namespace ledgeon {
+
+static_assert(sizeof(Value) == 16, "a loaded ledger holds millions of values");
 
 namespace {
 
@@ -22,9 +25,60 @@ std::string objectDescription(const LObject* object) {
 
 }  // namespace
 
-Value::Kind Value::kind() const noexcept { return static_cast<Kind>(data_.index()); }
+// The heap part of a value that does not fit inline. Immutable once made; shared by copies,
+// which may live on other threads, hence the atomic count.
+struct Value::Box {
+  mutable std::atomic<uint32_t> references{1};
+  virtual ~Box() = default;
+};
 
-bool Value::isNull() const noexcept { return data_.index() == 0; }
+template <typename T>
+struct Value::TypedBox final : Value::Box {
+  explicit TypedBox(T v) : value(std::move(v)) {}
+  const T value;
+};
+
+template <typename T>
+void Value::box(Kind kind, T value) {
+  kind_ = kind;
+  flags_ = kBoxed;
+  payload_.box = new TypedBox<T>(std::move(value));
+}
+
+template <typename T>
+const T& Value::unbox() const {
+  return static_cast<const TypedBox<T>*>(payload_.box)->value;
+}
+
+void Value::retain() const noexcept {
+  payload_.box->references.fetch_add(1, std::memory_order_relaxed);
+}
+
+void Value::release() noexcept {
+  if (payload_.box->references.fetch_sub(1, std::memory_order_acq_rel) == 1) delete payload_.box;
+}
+
+Value::Value(const ledgeon::Amount& value) : kind_(Kind::Amount) {
+  if (value.isNaN()) {
+    flags_ = kNotANumber;
+    payload_.mantissa = 0;
+  } else if ((value.mantissa() >> 64) == 0) {
+    exponent_ = static_cast<int8_t>(value.exponent());
+    flags_ = value.isSignNegative() ? kNegative : 0;
+    payload_.mantissa = static_cast<uint64_t>(value.mantissa());
+  } else {
+    box(Kind::Amount, value);
+  }
+}
+
+Value::Value(std::string value) { box(Kind::String, std::move(value)); }
+Value::Value(std::string_view value) { box(Kind::String, std::string(value)); }
+Value::Value(const char* value) { box(Kind::String, std::string(value)); }
+Value::Value(ledgeon::Bytes value) { box(Kind::Binary, std::move(value)); }
+Value::Value(PropertyList value) { box(Kind::Dictionary, std::move(value)); }
+Value::Value(ObjectSet objects) { box(Kind::Objects, std::move(objects)); }
+Value::Value(ValueList values) { box(Kind::List, std::move(values)); }
+Value::Value(ToManyEdit edit) { box(Kind::Edit, std::move(edit)); }
 
 bool Value::isNumber() const noexcept {
   const Kind k = kind();
@@ -36,13 +90,13 @@ bool Value::asBool() const { return asInteger() != 0; }
 int64_t Value::asInteger() const {
   switch (kind()) {
     case Kind::Boolean:
-      return std::get<bool>(data_) ? 1 : 0;
+      return payload_.boolean ? 1 : 0;
     case Kind::Integer:
-      return std::get<int64_t>(data_);
+      return payload_.integer;
     case Kind::Double:
-      return static_cast<int64_t>(std::get<double>(data_));
+      return static_cast<int64_t>(payload_.real);
     case Kind::Amount:
-      return std::get<ledgeon::Amount>(data_).longLongValue();
+      return asAmount().longLongValue();
     case Kind::Null:
       return 0;
     default:
@@ -53,11 +107,10 @@ int64_t Value::asInteger() const {
 double Value::asDouble() const {
   switch (kind()) {
     case Kind::Double:
-      return std::get<double>(data_);
-    case Kind::Amount:
-      return std::get<ledgeon::Amount>(data_).doubleValue();
     case Kind::Date:
-      return std::get<ledgeon::Date>(data_).timeIntervalSinceReferenceDate();
+      return payload_.real;
+    case Kind::Amount:
+      return asAmount().doubleValue();
     default:
       return static_cast<double>(asInteger());
   }
@@ -66,9 +119,11 @@ double Value::asDouble() const {
 ledgeon::Amount Value::asAmount() const {
   switch (kind()) {
     case Kind::Amount:
-      return std::get<ledgeon::Amount>(data_);
+      if (isBoxed()) return unbox<ledgeon::Amount>();
+      if (flags_ & kNotANumber) return ledgeon::Amount::notANumber();
+      return ledgeon::Amount::fromParts(payload_.mantissa, exponent_, (flags_ & kNegative) != 0);
     case Kind::Double:
-      return ledgeon::Amount::fromDouble(std::get<double>(data_));
+      return ledgeon::Amount::fromDouble(payload_.real);
     case Kind::Null:
       return ledgeon::Amount::zero();
     default:
@@ -78,45 +133,45 @@ ledgeon::Amount Value::asAmount() const {
 
 const std::string& Value::asString() const {
   if (kind() != Kind::String) wrongKind("text", *this);
-  return std::get<std::string>(data_);
+  return unbox<std::string>();
 }
 
 ledgeon::Date Value::asDate() const {
   if (kind() != Kind::Date) wrongKind("date", *this);
-  return std::get<ledgeon::Date>(data_);
+  return ledgeon::Date(payload_.real);
 }
 
 const ledgeon::Bytes& Value::asBytes() const {
   if (kind() != Kind::Binary) wrongKind("byte string", *this);
-  return std::get<ledgeon::Bytes>(data_);
+  return unbox<ledgeon::Bytes>();
 }
 
 const PropertyList& Value::asDictionary() const {
   if (kind() != Kind::Dictionary) wrongKind("dictionary", *this);
-  return *std::get<std::shared_ptr<const PropertyList>>(data_);
+  return unbox<PropertyList>();
 }
 
 LObject* Value::asObject() const {
   if (kind() == Kind::Null) return nullptr;
   if (kind() != Kind::Object) wrongKind("ledger object", *this);
-  return std::get<LObject*>(data_);
+  return payload_.object;
 }
 
 const ObjectSet& Value::asObjects() const {
   static const ObjectSet kEmpty;
   if (kind() == Kind::Null) return kEmpty;
   if (kind() != Kind::Objects) wrongKind("set of ledger objects", *this);
-  return *std::get<std::shared_ptr<const ObjectSet>>(data_);
+  return unbox<ObjectSet>();
 }
 
 const ValueList& Value::asList() const {
   if (kind() != Kind::List) wrongKind("list", *this);
-  return *std::get<std::shared_ptr<const ValueList>>(data_);
+  return unbox<ValueList>();
 }
 
 const ToManyEdit& Value::asEdit() const {
   if (kind() != Kind::Edit) wrongKind("to-many edit", *this);
-  return *std::get<std::shared_ptr<const ToManyEdit>>(data_);
+  return unbox<ToManyEdit>();
 }
 
 std::string Value::description() const {
@@ -124,17 +179,17 @@ std::string Value::description() const {
     case Kind::Null:
       return "(null)";
     case Kind::Boolean:
-      return std::get<bool>(data_) ? "1" : "0";
+      return payload_.boolean ? "1" : "0";
     case Kind::Integer:
-      return std::to_string(std::get<int64_t>(data_));
+      return std::to_string(payload_.integer);
     case Kind::Double:
-      return stringWithFormat("%@", std::get<double>(data_));
+      return stringWithFormat("%@", payload_.real);
     case Kind::Amount:
-      return std::get<ledgeon::Amount>(data_).stringValue();
+      return asAmount().stringValue();
     case Kind::String:
-      return std::get<std::string>(data_);
+      return asString();
     case Kind::Date:
-      return std::get<ledgeon::Date>(data_).description();
+      return asDate().description();
     case Kind::Binary:
       return stringWithFormat("<%lu bytes>", asBytes().size());
     case Kind::Dictionary: {
@@ -143,7 +198,7 @@ std::string Value::description() const {
       return text + "}";
     }
     case Kind::Object:
-      return objectDescription(std::get<LObject*>(data_));
+      return objectDescription(payload_.object);
     case Kind::Objects: {
       std::string text = "(";
       for (const LObject* object : asObjects()) {
@@ -195,9 +250,22 @@ bool operator==(const Value& a, const Value& b) {
       return a.asList() == b.asList();
     case Value::Kind::Edit:
       return a.asEdit() == b.asEdit();
-    default:
-      return a.data_ == b.data_;
+    case Value::Kind::Null:
+      return true;
+    case Value::Kind::Boolean:
+      return a.payload_.boolean == b.payload_.boolean;
+    case Value::Kind::Integer:
+      return a.payload_.integer == b.payload_.integer;
+    case Value::Kind::Date:
+      return a.asDate() == b.asDate();
+    case Value::Kind::String:
+      return a.asString() == b.asString();
+    case Value::Kind::Binary:
+      return a.asBytes() == b.asBytes();
+    case Value::Kind::Object:
+      return a.payload_.object == b.payload_.object;
   }
+  return false;
 }
 
 int compareValues(const Value& a, const Value& b) {

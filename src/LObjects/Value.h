@@ -49,6 +49,10 @@ struct ToManyEdit {
 
 // One value of the ledger: what an attribute holds, what a relationship points at, or a to-many
 // edit. Values are plain data and may be copied between threads unless they hold objects.
+//
+// Sixteen bytes: a loaded ledger holds millions of them. Numbers, dates, object references and
+// Amounts whose mantissa fits 64 bits (every money value) sit inline; texts, byte strings, larger
+// Amounts and collections live in an immutable, reference-counted box that copies share.
 class Value final {
  public:
   enum class Kind : uint8_t {
@@ -67,32 +71,62 @@ class Value final {
     Edit
   };
 
-  Value() = default;
-  Value(std::nullptr_t) {}                                      // NOLINT: implicit
-  Value(bool value) : data_(value) {}                           // NOLINT: implicit
-  Value(int value) : data_(int64_t{value}) {}                   // NOLINT: implicit
-  Value(long value) : data_(int64_t{value}) {}                  // NOLINT: implicit
-  Value(long long value) : data_(int64_t{value}) {}             // NOLINT: implicit
-  Value(double value) : data_(value) {}                         // NOLINT: implicit
-  Value(const ledgeon::Amount& value) : data_(value) {}         // NOLINT: implicit
-  Value(std::string value) : data_(std::move(value)) {}         // NOLINT: implicit
-  Value(std::string_view value) : data_(std::string(value)) {}  // NOLINT: implicit
-  Value(const char* value) : data_(std::string(value)) {}       // NOLINT: implicit
-  Value(ledgeon::Date value) : data_(value) {}                  // NOLINT: implicit
-  Value(ledgeon::Bytes value) : data_(std::move(value)) {}      // NOLINT: implicit
-  Value(PropertyList value)                                     // NOLINT: implicit
-      : data_(std::make_shared<const PropertyList>(std::move(value))) {}
-  Value(LObject* object) {  // NOLINT: implicit; a null pointer gives a null value
-    if (object) data_ = object;
+  Value() noexcept { payload_.integer = 0; }
+  Value(std::nullptr_t) noexcept : Value() {}  // NOLINT: implicit
+  Value(bool value) noexcept : kind_(Kind::Boolean) { payload_.boolean = value; }  // NOLINT
+  Value(int value) noexcept : kind_(Kind::Integer) { payload_.integer = value; }   // NOLINT
+  Value(long value) noexcept : kind_(Kind::Integer) { payload_.integer = value; }  // NOLINT
+  Value(long long value) noexcept : kind_(Kind::Integer) {                         // NOLINT
+    payload_.integer = value;
   }
-  Value(ObjectSet objects)
-      : data_(std::make_shared<const ObjectSet>(std::move(objects))) {}  // NOLINT
-  Value(ValueList values)
-      : data_(std::make_shared<const ValueList>(std::move(values))) {}                    // NOLINT
-  Value(ToManyEdit edit) : data_(std::make_shared<const ToManyEdit>(std::move(edit))) {}  // NOLINT
+  Value(double value) noexcept : kind_(Kind::Double) { payload_.real = value; }  // NOLINT
+  Value(const ledgeon::Amount& value);                                           // NOLINT: implicit
+  Value(std::string value);                                                      // NOLINT: implicit
+  Value(std::string_view value);                                                 // NOLINT: implicit
+  Value(const char* value);                                                      // NOLINT: implicit
+  Value(ledgeon::Date value) noexcept : kind_(Kind::Date) {                      // NOLINT: implicit
+    payload_.real = value.timeIntervalSinceReferenceDate();
+  }
+  Value(ledgeon::Bytes value);                                                   // NOLINT: implicit
+  Value(PropertyList value);                                                     // NOLINT: implicit
+  Value(LObject* object) noexcept : kind_(object ? Kind::Object : Kind::Null) {  // NOLINT
+    payload_.object = object;  // a null pointer gives a null value
+  }
+  Value(ObjectSet objects);  // NOLINT: implicit
+  Value(ValueList values);   // NOLINT: implicit
+  Value(ToManyEdit edit);    // NOLINT: implicit
 
-  Kind kind() const noexcept;
-  bool isNull() const noexcept;
+  Value(const Value& other) noexcept
+      : kind_(other.kind_),
+        exponent_(other.exponent_),
+        flags_(other.flags_),
+        payload_(other.payload_) {
+    if (isBoxed()) retain();
+  }
+  Value(Value&& other) noexcept
+      : kind_(other.kind_),
+        exponent_(other.exponent_),
+        flags_(other.flags_),
+        payload_(other.payload_) {
+    other.kind_ = Kind::Null;
+    other.flags_ = 0;
+  }
+  Value& operator=(const Value& other) noexcept {
+    Value copy(other);
+    swap(copy);
+    return *this;
+  }
+  Value& operator=(Value&& other) noexcept {
+    Value moved(std::move(other));
+    swap(moved);
+    return *this;
+  }
+  ~Value() {
+    if (isBoxed()) release();
+  }
+
+  Kind kind() const noexcept { return kind_; }
+  bool isNull() const noexcept { return kind_ == Kind::Null; }
   bool isNumber() const noexcept;  // boolean, integer, double or Amount
 
   // Typed reads. A read of another kind is a programming error (std::logic_error), except the
@@ -116,11 +150,36 @@ class Value final {
   friend bool operator==(const Value& a, const Value& b);
 
  private:
-  std::variant<std::monostate, bool, int64_t, double, ledgeon::Amount, std::string, ledgeon::Date,
-               ledgeon::Bytes, std::shared_ptr<const PropertyList>, LObject*,
-               std::shared_ptr<const ObjectSet>, std::shared_ptr<const ValueList>,
-               std::shared_ptr<const ToManyEdit>>
-      data_;
+  struct Box;
+  template <typename T>
+  struct TypedBox;
+  enum Flags : uint8_t { kNegative = 1, kNotANumber = 2, kBoxed = 4 };
+
+  template <typename T>
+  void box(Kind kind, T value);
+  template <typename T>
+  const T& unbox() const;
+  bool isBoxed() const noexcept { return (flags_ & kBoxed) != 0; }
+  void retain() const noexcept;
+  void release() noexcept;
+  void swap(Value& other) noexcept {
+    std::swap(kind_, other.kind_);
+    std::swap(exponent_, other.exponent_);
+    std::swap(flags_, other.flags_);
+    std::swap(payload_, other.payload_);
+  }
+
+  Kind kind_ = Kind::Null;
+  int8_t exponent_ = 0;  // of an inline Amount
+  uint8_t flags_ = 0;
+  union Payload {
+    bool boolean;
+    int64_t integer;
+    double real;        // doubles and dates
+    uint64_t mantissa;  // of an inline Amount
+    LObject* object;
+    Box* box;
+  } payload_;
 };
 
 // The order of two values: numbers of any kind by numeric value (Amounts exactly), texts and

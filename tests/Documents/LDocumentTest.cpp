@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 #include <sqlite3.h>
 
+#include "Commands/CreateLObjectCommand.h"
 #include "Commands/LCommandManager.h"
 #include "Commands/UndoManager.h"
 #include "DataBase/DataBase.h"
@@ -178,6 +179,38 @@ TEST(LDocumentTest, NestedTransactionsCommitOnceAtTheOutermostEnd) {
   EXPECT_FALSE(document->validDatabaseChangeForBackup());
 }
 
+TEST(LDocumentTest, CommandsRunThroughTheDocumentAndUndoAcrossCommits) {
+  DocumentTestEnvironment environment;
+  const fs::path path = environment.path("Home.ledgeon");
+  auto document = createDocument(path);
+  ASSERT_TRUE(document);
+  int commits = 0;
+  ScopedObserver observer(
+      NotificationCenter::defaultCenter(), kLDataBaseChanged,
+      [&](const Notification&) { ++commits; }, &document->dataBase());
+  // Made without a document: the command works on the current one.
+  auto create = std::make_shared<CreateLObjectCommand>("UserPayee",
+                                                       EditDict{{"name", Value("Corner Grocer")}});
+  ASSERT_TRUE(create->execute());
+  EXPECT_EQ(commits, 1);
+  EXPECT_TRUE(document->isDocumentEdited());
+  EXPECT_EQ(document->undoManager()->undoMenuItemTitle().rfind("Undo ", 0), 0u);
+  const int64_t id = create->createdObject()->integerForKey("ledgeonId");
+  document->undoManager()->undo();
+  EXPECT_EQ(document->dataBase().countForInstancesOfClass("UserPayee"), 0u);
+  document->undoManager()->redo();
+  EXPECT_EQ(document->dataBase().countForInstancesOfClass("UserPayee"), 1u);
+  EXPECT_EQ(commits, 3);
+  document->close();
+
+  document = openDocument(path);
+  ASSERT_TRUE(document);
+  const auto payees = document->dataBase().instancesOfClass("UserPayee");
+  ASSERT_EQ(payees.size(), 1u);
+  EXPECT_EQ(payees[0]->integerForKey("ledgeonId"), id);
+  EXPECT_FALSE(document->undoManager()->canUndo());  // the history does not outlive the document
+}
+
 TEST(LDocumentTest, ClosingPostsNotificationsInOrderAndGivesEverythingBack) {
   DocumentTestEnvironment environment;
   auto document = createDocument(environment.path("Home.ledgeon"));
@@ -296,6 +329,22 @@ TEST(LDocumentTest, RefusesWhatItCannotOpenAndLeavesNoLockBehind) {
     EXPECT_TRUE(LDocument::openDataBases().empty());
     EXPECT_EQ(LCommandDocument::currentDocument(), nullptr);
   }
+}
+
+TEST(LDocumentTest, OpeningCleansUpLeftOversAndRepairsPermissions) {
+  DocumentTestEnvironment environment;
+  const fs::path path = environment.path("Worn.ledgeon");
+  createDocument(path)->close();
+  std::ofstream(path / "DBMigrationtemp_123") << "interrupted";
+  std::ofstream(path / "olddata") << "old";
+  fs::remove_all(path / "calendars");  // a folder an older version did not make
+  fs::permissions(path / "reports", fs::perms::owner_read | fs::perms::owner_exec);
+  auto document = openDocument(path);
+  ASSERT_TRUE(document);
+  EXPECT_FALSE(fs::exists(path / "DBMigrationtemp_123"));
+  EXPECT_FALSE(fs::exists(path / "olddata"));
+  EXPECT_TRUE(fs::is_directory(path / "calendars"));
+  EXPECT_NE(fs::status(path / "reports").permissions() & fs::perms::owner_write, fs::perms::none);
 }
 
 TEST(LDocumentTest, CancellingTheLockQuestionIsAUserCancel) {

@@ -41,6 +41,18 @@ TEST_F(DbCommandTest, QueryRunsAPredicateWithArgumentsSortAndLimit) {
   EXPECT_EQ(rows[0]["account"]["entity"], "Account");
 }
 
+TEST_F(DbCommandTest, QueryFollowsToManyRelationshipsAndListsPrefetchedMembers) {
+  const CliResult result =
+      run({"db", "query", document(), "Transaction", "ANY entries.categoryTag.name == %@",
+           "Groceries", "--prefetch", "entries.categoryTag", "--sort", "amount", "--json"});
+  ASSERT_EQ(result.exitStatus, 0) << result.err;
+  const auto rows = nlohmann::json::parse(result.out);
+  ASSERT_EQ(rows.size(), 3u);
+  EXPECT_EQ(rows[0]["amount"], "-91.02");
+  ASSERT_EQ(rows[0]["entries"].size(), 1u);
+  EXPECT_EQ(rows[0]["entries"][0]["entity"], "CashFlowTransactionEntry");
+}
+
 TEST_F(DbCommandTest, MistakesAreClearErrors) {
   struct Case {
     std::vector<std::string> arguments;
@@ -50,6 +62,7 @@ TEST_F(DbCommandTest, MistakesAreClearErrors) {
       {{"db", "query", document(), "Transaction", "amount >"}, "position 8"},
       {{"db", "query", document(), "Nonsense"}, "unknown entity \"Nonsense\""},
       {{"db", "query", document(), "Transaction", "colour == 1"}, "unknown key \"colour\""},
+      {{"db", "query", document(), "Transaction", "--prefetch", "note"}, "cannot prefetch"},
       {{"db", "stats", (folder_ / "missing").string()}, "not a document package"},
   };
   for (const Case& c : cases) {

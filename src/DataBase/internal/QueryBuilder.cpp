@@ -2,6 +2,7 @@
 
 #include <fmt/format.h>
 
+#include "DataBase/internal/KeyPaths.h"
 #include "DataBase/internal/SQLite.h"
 #include "DataBase/internal/Schema.h"
 #include "DataBase/internal/StringMatch.h"
@@ -18,29 +19,91 @@ bool isDecimal(const PropertyDescription* p) {
   return p && p->isAttribute() && p->type == AttributeType::Amount;
 }
 
+const char* aggregateFunction(keypath::Aggregate aggregate) {
+  switch (aggregate) {
+    case keypath::Aggregate::Sum:
+      return "decimal_sum";
+    case keypath::Aggregate::Min:
+      return "decimal_min";
+    case keypath::Aggregate::Max:
+      return "decimal_max";
+    case keypath::Aggregate::Average:
+      return "decimal_avg";
+    case keypath::Aggregate::None:
+    case keypath::Aggregate::Count:
+      break;
+  }
+  return "COUNT";
+}
+
+keypath::Shape shapeOf(const EntityDescription& entity, const Node::Operand& operand) {
+  if (!operand.isKeyPath()) return {};
+  auto shape = keypath::shapeOf(entity, operand.keyPath);
+  return shape ? *shape : keypath::Shape{};
+}
+
 }  // namespace
 
-QueryBuilder::QueryBuilder(const EntityDescription& entity) : entity_(entity) {}
+QueryBuilder::QueryBuilder(const EntityDescription& entity)
+    : entity_(entity), top_{&entity, "t0", {}, {}} {}
 
-QueryBuilder::Column QueryBuilder::keyPathColumn(const std::vector<std::string>& path) {
-  const EntityDescription* current = &entity_;
-  std::string alias = "t0";
+std::string QueryBuilder::objectAlias(Scope& scope, const std::vector<std::string>& path,
+                                      size_t count, const EntityDescription*& entity) {
+  entity = scope.entity;
+  std::string alias = scope.alias;
   std::string prefix;
-  for (size_t i = 0; i + 1 < path.size(); ++i) {
-    const PropertyDescription* p = current->property(path[i]);
+  for (size_t i = 0; i < count; ++i) {
+    const PropertyDescription* p = entity->property(path[i]);
     prefix += path[i] + ".";
-    auto found = aliases_.find(prefix);
-    if (found == aliases_.end()) {
-      const std::string next = "t" + std::to_string(aliases_.size() + 1);
-      joins_ += " LEFT JOIN " + quoted(p->target->root->name) + " " + next + " ON " + next +
-                ".Z_PK = " + alias + "." + quoted(p->column);
-      found = aliases_.emplace(prefix, next).first;
+    auto found = scope.aliases.find(prefix);
+    if (found == scope.aliases.end()) {
+      const std::string next = newAlias();
+      scope.joins += " LEFT JOIN " + quoted(p->target->root->name) + " " + next + " ON " + next +
+                     ".Z_PK = " + alias + "." + quoted(p->column);
+      found = scope.aliases.emplace(prefix, next).first;
     }
     alias = found->second;
-    current = p->target;
+    entity = p->target;
   }
-  const PropertyDescription* last = current->property(path.back());
-  return {alias + "." + quoted(last->column), last};
+  return alias;
+}
+
+QueryBuilder::Operand QueryBuilder::keyPathColumn(Scope& scope,
+                                                  const std::vector<std::string>& path,
+                                                  size_t from) {
+  const std::vector<std::string> rest(path.begin() + static_cast<std::ptrdiff_t>(from), path.end());
+  if (rest.empty()) return {scope.alias + ".Z_PK", nullptr, false};  // the member itself
+  const EntityDescription* owner = nullptr;
+  const std::string alias = objectAlias(scope, rest, rest.size() - 1, owner);
+  const PropertyDescription* last = owner->property(rest.back());
+  return {alias + "." + quoted(last->column), last, isDecimal(last)};
+}
+
+QueryBuilder::Members QueryBuilder::members(Scope& scope, const std::vector<std::string>& path,
+                                            size_t toMany) {
+  const EntityDescription* owner = nullptr;
+  const std::string ownerAlias = objectAlias(scope, path, toMany, owner);
+  const PropertyDescription& p = *owner->property(path[toMany]);
+  Members result{{}, {}, {p.target, newAlias(), {}, {}}};
+  const std::string& member = result.scope.alias;
+  const std::string table = quoted(p.target->root->name);
+  if (p.isManyToMany()) {
+    const std::string join = newAlias();
+    const char* mine = p.joinSourceIsFirst ? "first" : "second";
+    const char* theirs = p.joinSourceIsFirst ? "second" : "first";
+    result.from = quoted(p.joinTable) + " " + join + " JOIN " + table + " " + member + " ON " +
+                  member + ".Z_PK = " + join + "." + theirs;
+    result.link = join + "." + mine + " = " + ownerAlias + ".Z_PK";
+  } else {
+    std::string ids;
+    for (const int id : p.target->hierarchyIds) {
+      ids += (ids.empty() ? "" : ", ") + std::to_string(id);
+    }
+    result.from = table + " " + member;
+    result.link = member + "." + quoted(p.inverse->column) + " = " + ownerAlias + ".Z_PK AND " +
+                  member + ".Z_ENT IN (" + ids + ")";
+  }
+  return result;
 }
 
 std::string QueryBuilder::bindConstant(const Value& value) {
@@ -52,14 +115,20 @@ std::string QueryBuilder::bindConstant(const Value& value) {
   return "?" + std::to_string(bindings_.size());
 }
 
-std::string QueryBuilder::operand(const Node::Operand& o, const PropertyDescription*& property) {
+QueryBuilder::Operand QueryBuilder::operand(Scope& scope, const Node::Operand& o) {
   if (!o.isKeyPath()) {
-    property = nullptr;
-    return bindConstant(o.constant);
+    return {bindConstant(o.constant), nullptr, o.constant.kind() == Value::Kind::Amount};
   }
-  Column column = keyPathColumn(o.keyPath);
-  property = column.property;
-  return column.expression;
+  const keypath::Shape shape = shapeOf(*scope.entity, o);
+  if (shape.aggregate == keypath::Aggregate::None) return keyPathColumn(scope, o.keyPath);
+  Members m = members(scope, o.keyPath, shape.toMany);
+  if (shape.aggregate == keypath::Aggregate::Count) {
+    return {"(SELECT COUNT(*) FROM " + m.from + " WHERE " + m.link + ")", nullptr, false};
+  }
+  const Operand folded = keyPathColumn(m.scope, o.keyPath, shape.memberPathStart());
+  return {"(SELECT " + std::string(aggregateFunction(shape.aggregate)) + "(" + folded.expression +
+              ") FROM " + m.from + m.scope.joins + " WHERE " + m.link + ")",
+          nullptr, true};
 }
 
 std::string QueryBuilder::equality(const std::string& l, const std::string& r, bool decimal,
@@ -76,9 +145,39 @@ std::string QueryBuilder::equality(const std::string& l, const std::string& r, b
 }
 
 std::string QueryBuilder::comparison(const Node& node) {
-  const PropertyDescription* lp = nullptr;
-  const PropertyDescription* rp = nullptr;
-  const std::string l = operand(node.left, lp);
+  const keypath::Shape left = shapeOf(entity_, node.left);
+  const keypath::Shape right = shapeOf(entity_, node.right);
+  if (left.quantified()) return quantified(node, true, left.toMany);
+  if (right.quantified()) return quantified(node, false, right.toMany);
+  const Operand l = operand(top_, node.left);
+  const Operand r = node.op == Op::In ? Operand{} : operand(top_, node.right);
+  return compare(node, l, r);
+}
+
+std::string QueryBuilder::quantified(const Node& node, bool memberOnLeft, size_t toMany) {
+  const Node::Operand& path = memberOnLeft ? node.left : node.right;
+  Members m = members(top_, path.keyPath, toMany);
+  const Operand member = keyPathColumn(m.scope, path.keyPath, toMany + 1);
+  Operand other;
+  if (node.op != Op::In || !memberOnLeft)
+    other = operand(top_, memberOnLeft ? node.right : node.left);
+  const std::string test =
+      memberOnLeft ? compare(node, member, other) : compare(node, other, member);
+  const std::string rows = "SELECT 1 FROM " + m.from + m.scope.joins + " WHERE " + m.link;
+  switch (node.quantifier) {
+    case Node::Quantifier::All:
+      return "(NOT EXISTS (" + rows + " AND NOT " + test + "))";
+    case Node::Quantifier::NoMember:
+      return "(NOT EXISTS (" + rows + " AND " + test + "))";
+    case Node::Quantifier::Implicit:
+    case Node::Quantifier::Any:
+      break;
+  }
+  return "(EXISTS (" + rows + " AND " + test + "))";
+}
+
+std::string QueryBuilder::compare(const Node& node, const Operand& lo, const Operand& ro) {
+  const std::string& l = lo.expression;
   if (node.op == Op::In) {
     const Value& set = node.right.constant;
     if (set.kind() == Value::Kind::Objects) {
@@ -90,17 +189,14 @@ std::string QueryBuilder::comparison(const Node& node) {
     }
     std::string any;
     for (const Value& member : set.asList()) {
-      const bool decimal = isDecimal(lp) || member.kind() == Value::Kind::Amount;
+      const bool decimal = lo.decimal || member.kind() == Value::Kind::Amount;
       any += (any.empty() ? "" : " OR ") +
              equality(l, bindConstant(member), decimal, node.caseInsensitive);
     }
     return any.empty() ? "0" : "(" + any + ")";
   }
-  const std::string r = operand(node.right, rp);
-  const bool decimal =
-      isDecimal(lp) || isDecimal(rp) ||
-      (!node.left.isKeyPath() && node.left.constant.kind() == Value::Kind::Amount) ||
-      (!node.right.isKeyPath() && node.right.constant.kind() == Value::Kind::Amount);
+  const std::string& r = ro.expression;
+  const bool decimal = lo.decimal || ro.decimal;
   const std::string order = decimal ? "decimal_cmp(" + l + ", " + r + ")" : "";
   auto ordered = [&](const char* op) {
     return decimal ? "IFNULL(" + order + " " + op + " 0, 0)"
@@ -174,14 +270,13 @@ std::string QueryBuilder::select(const std::string& columns, const FetchOptions&
       if (dot == std::string::npos) break;
       start = dot + 1;
     }
-    const Column column = keyPathColumn(path);
+    const Operand column = keyPathColumn(top_, path);
     order += (order.empty() ? " ORDER BY " : ", ") + column.expression +
-             (isDecimal(column.property) ? " COLLATE DECIMAL" : "") +
-             (sort.ascending ? " ASC" : " DESC");
+             (column.decimal ? " COLLATE DECIMAL" : "") + (sort.ascending ? " ASC" : " DESC");
   }
   order += order.empty() ? " ORDER BY t0.Z_PK" : ", t0.Z_PK";
-  std::string text = "SELECT " + columns + " FROM " + quoted(entity_.root->name) + " t0" + joins_ +
-                     " WHERE " + where + order;
+  std::string text = "SELECT " + columns + " FROM " + quoted(entity_.root->name) + " t0" +
+                     top_.joins + " WHERE " + where + order;
   if (withLimit && options.fetchLimit > 0) text += " LIMIT " + std::to_string(options.fetchLimit);
   return text;
 }

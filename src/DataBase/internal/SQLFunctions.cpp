@@ -1,7 +1,11 @@
 #include "DataBase/internal/SQLFunctions.h"
 
+#include <cstdint>
+#include <string>
 #include <string_view>
+#include <utility>
 
+#include "DataBase/internal/KeyPaths.h"
 #include "DataBase/internal/StringMatch.h"
 #include "Utilities/Amount.h"
 
@@ -54,6 +58,40 @@ void stringMatch(sqlite3_context* context, int, sqlite3_value** argv) {
                    : 0);
 }
 
+keypath::Aggregate aggregateOf(sqlite3_context* context) {
+  return static_cast<keypath::Aggregate>(reinterpret_cast<intptr_t>(sqlite3_user_data(context)));
+}
+
+// The fold of one group lives on the heap; the aggregate context holds its address.
+void foldStep(sqlite3_context* context, int, sqlite3_value** argv) {
+  auto** fold = static_cast<keypath::Fold**>(sqlite3_aggregate_context(context, sizeof(void*)));
+  if (!fold) {
+    sqlite3_result_error_nomem(context);
+    return;
+  }
+  if (!*fold) *fold = new keypath::Fold(aggregateOf(context));
+  if (sqlite3_value_type(argv[0]) == SQLITE_NULL) {
+    (*fold)->addNull();
+  } else {
+    (*fold)->add(amountOf(argv[0]));
+  }
+}
+
+void foldFinal(sqlite3_context* context) {
+  auto** fold = static_cast<keypath::Fold**>(sqlite3_aggregate_context(context, 0));
+  const keypath::Fold empty(aggregateOf(context));
+  const Value result = (fold && *fold) ? (*fold)->result() : empty.result();
+  if (fold) delete *fold;
+  if (result.isNull()) {
+    sqlite3_result_null(context);
+  } else if (result.kind() == Value::Kind::Integer) {
+    sqlite3_result_int64(context, result.asInteger());
+  } else {
+    const std::string text = result.asAmount().stringValue();
+    sqlite3_result_text(context, text.data(), static_cast<int>(text.size()), SQLITE_TRANSIENT);
+  }
+}
+
 }  // namespace
 
 void registerLedgerFunctions(sqlite3* db) {
@@ -62,6 +100,16 @@ void registerLedgerFunctions(sqlite3* db) {
                              nullptr);
   sqlite3_create_function_v2(db, "string_match", 4, flags, nullptr, stringMatch, nullptr, nullptr,
                              nullptr);
+  const std::pair<const char*, keypath::Aggregate> folds[] = {
+      {"decimal_sum", keypath::Aggregate::Sum},
+      {"decimal_min", keypath::Aggregate::Min},
+      {"decimal_max", keypath::Aggregate::Max},
+      {"decimal_avg", keypath::Aggregate::Average}};
+  for (const auto& [name, aggregate] : folds) {
+    sqlite3_create_function_v2(db, name, 1, flags,
+                               reinterpret_cast<void*>(static_cast<intptr_t>(aggregate)), nullptr,
+                               foldStep, foldFinal, nullptr);
+  }
   sqlite3_create_collation_v2(db, "DECIMAL", SQLITE_UTF8, nullptr, decimalCollation, nullptr);
 }
 

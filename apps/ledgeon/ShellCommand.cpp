@@ -1,0 +1,145 @@
+// ledgeon shell DOC, ledgeon accounts DOC and ledgeon transactions DOC: edit a ledger through its
+// undoable commands, and print its accounts and transactions.
+#include <filesystem>
+#include <iostream>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include <unistd.h>
+
+#include "DataBase/DataBase.h"
+#include "Documents/LDocument.h"
+#include "LedgerListing.h"
+#include "LedgerShell.h"
+#include "Subcommand.h"
+#include "TerminalUserInterface.h"
+
+namespace ledgeon::cli {
+
+namespace {
+
+struct LedgerOptions {
+  std::string document;
+  std::string account;
+  bool json = false;
+  std::vector<std::string> answers;
+};
+
+// The open document of a subcommand, closed when the subcommand ends however it ends.
+class OpenLedger final {
+ public:
+  explicit OpenLedger(const LedgerOptions& options) {
+    const std::string& path = options.document;
+    for (const auto& answer : options.answers) {
+      TerminalUserInterface::shared().addPresetAnswer(answer);
+    }
+    auto opened = LDocument::initWithContentsOfURL(path);
+    if (!opened) {
+      if (opened.error().isUserCancelled()) {
+        throw CommandFailure("The document \u201c" +
+                             std::filesystem::path(path).filename().string() +
+                             "\u201d was not opened: it is open elsewhere.");
+      }
+      throw CommandFailure(opened.error().localizedDescription());
+    }
+    document_ = *opened;
+  }
+  ~OpenLedger() { document_->close(); }
+  OpenLedger(const OpenLedger&) = delete;
+  OpenLedger& operator=(const OpenLedger&) = delete;
+
+  LDocument& operator*() { return *document_; }
+  LDocument* operator->() { return document_.get(); }
+  const std::shared_ptr<LDocument>& shared() { return document_; }
+
+ private:
+  std::shared_ptr<LDocument> document_;
+};
+
+// Reads requests until the input ends or asks to quit. At a terminal a bad request is reported
+// and the session goes on; from a script the first bad request ends it with its line number.
+void runShell(const LedgerOptions& options) {
+  OpenLedger ledger(options);
+  LedgerShell shell(ledger.shared(), *ledger->undoManager(), std::cout);
+  const bool interactive = isatty(STDIN_FILENO) != 0;
+  if (interactive) {
+    std::cout << "Editing " << ledger->displayName() << ". Type help for the requests.\n";
+  }
+  size_t lineNumber = 0;
+  for (std::string line;;) {
+    if (interactive) std::cout << "ledgeon> " << std::flush;
+    if (!std::getline(std::cin, line)) break;
+    ++lineNumber;
+    try {
+      if (!shell.runLine(line)) break;
+    } catch (const CommandFailure& failure) {
+      if (!interactive) {
+        throw CommandFailure("line " + std::to_string(lineNumber) + ": " + failure.what());
+      }
+      std::cerr << "error: " << failure.what() << '\n';
+    }
+  }
+}
+
+void listAccounts(const LedgerOptions& options) {
+  OpenLedger ledger(options);
+  const auto rows = accountRows(ledger->dataBase());
+  if (options.json) {
+    std::cout << accountsJson(rows).dump(2) << '\n';
+  } else {
+    printAccounts(std::cout, rows);
+  }
+}
+
+void listTransactions(const LedgerOptions& options) {
+  OpenLedger ledger(options);
+  LObject* account = nullptr;
+  if (!options.account.empty()) {
+    for (LObject* candidate : ledger->dataBase().instancesOfClass("Account")) {
+      if (candidate->stringForKey("name") == options.account) account = candidate;
+    }
+    if (!account) throw CommandFailure("no account named \"" + options.account + "\"");
+  }
+  const auto rows = transactionRows(ledger->dataBase(), account);
+  if (options.json) {
+    std::cout << transactionsJson(rows).dump(2) << '\n';
+  } else {
+    printTransactions(std::cout, rows);
+  }
+}
+
+void addDocumentOptions(CLI::App& command, LedgerOptions& options) {
+  command.add_option("DOC", options.document, "Document package")->required();
+  command.add_option("--answer", options.answers,
+                     "Button to press when asked (repeatable): \"Try Again\", \"Open Anyway\" "
+                     "or \"Cancel\" if the document is open elsewhere, \"Back Up\" or "
+                     "\"Don\u2019t Back Up\" on closing");
+}
+
+const SubcommandRegistration registration(295, [](CLI::App& app) {
+  auto options = std::make_shared<LedgerOptions>();
+  auto* shell = app.add_subcommand(
+      "shell",
+      "Edit a document's accounts, categories, tags, payees and transactions, with undo and "
+      "redo; reads requests from stdin (type help for them)");
+  addDocumentOptions(*shell, *options);
+  shell->callback([options] { runShell(*options); });
+
+  auto* accounts = app.add_subcommand("accounts", "List a document's accounts with their balances");
+  addDocumentOptions(*accounts, *options);
+  accounts->add_flag("--json", options->json, "Print JSON");
+  accounts->callback([options] { listAccounts(*options); });
+
+  auto* transactions = app.add_subcommand(
+      "transactions", "List a document's transactions with their splits and transfers");
+  addDocumentOptions(*transactions, *options);
+  transactions->add_option("--account", options->account,
+                           "Only this account's transactions and the transfers it receives");
+  transactions->add_flag("--json", options->json, "Print JSON");
+  transactions->callback([options] { listTransactions(*options); });
+});
+
+}  // namespace
+
+}  // namespace ledgeon::cli
