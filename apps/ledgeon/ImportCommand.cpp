@@ -1,4 +1,6 @@
 // ledgeon import DOC FILE: a LIF file or a CSV transaction export into a document.
+#include "ImportCommand.h"
+
 #include <iostream>
 #include <memory>
 #include <string>
@@ -19,16 +21,6 @@
 
 namespace ledgeon::cli {
 
-namespace {
-
-struct ImportOptions {
-  std::string document;
-  std::string file;
-  std::string format;
-  bool json = false;
-};
-
-// A LIF file starts with a "!" header line; anything else is taken for a CSV export.
 std::string formatOfFile(const std::string& file) {
   auto text = TextFileReader::readFile(file);
   if (!text) throw CommandFailure(text.error().localizedDescription());
@@ -39,14 +31,25 @@ std::string formatOfFile(const std::string& file) {
   throw CommandFailure("\"" + file + "\" is empty");
 }
 
-std::shared_ptr<ImportFileCommand> importCommand(const std::string& format, const std::string& file,
-                                                 const std::shared_ptr<LDocument>& document) {
-  if (format == "lif") return std::make_shared<ImportLIFFileCommand>(file, document);
-  return std::make_shared<ImportTextFileCommand>(file, document);
+std::shared_ptr<ImportFileCommand> importCommandForFile(
+    const std::string& file, const std::string& format,
+    const std::shared_ptr<LCommandDocument>& document) {
+  const std::string chosen = format.empty() ? formatOfFile(file) : format;
+  if (chosen == "lif") return std::make_shared<ImportLIFFileCommand>(file, document);
+  if (chosen == "csv") return std::make_shared<ImportTextFileCommand>(file, document);
+  throw CommandFailure("unknown format \"" + format + "\" (lif or csv)");
 }
 
+namespace {
+
+struct ImportOptions {
+  std::string document;
+  std::string file;
+  std::string format;
+  bool json = false;
+};
+
 void runImport(const ImportOptions& options) {
-  const std::string format = options.format.empty() ? formatOfFile(options.file) : options.format;
   TerminalUserInterface::shared().addPresetAnswer("OK");
   auto opened = LDocument::initWithContentsOfURL(options.document);
   if (!opened) {
@@ -57,7 +60,7 @@ void runImport(const ImportOptions& options) {
   }
   std::shared_ptr<LDocument> document = *opened;
   LCommandDocument::setCurrentDocument(document);
-  auto command = importCommand(format, options.file, document);
+  auto command = importCommandForFile(options.file, options.format, document);
   const bool imported = command->execute();
   if (const auto& log = command->log()) {
     if (options.json) {

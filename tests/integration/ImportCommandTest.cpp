@@ -41,6 +41,22 @@ TEST(ImportCommand, ImportsIntoAnEmptyDocumentOnceAndPrintsTheLog) {
   EXPECT_EQ(log["children"].back()["text"], "transactions.csv - 7 transactions\n");
 }
 
+TEST(ImportCommand, ShellImportIsOneUndoableStep) {
+  testing::TempFolder home;
+  const std::string document = (home / "Family.ledgeon").string();
+  ASSERT_EQ(testing::runCli({"new", document}, home.path()).exitStatus, 0);
+  const auto shell =
+      testing::runCli({"shell", document}, home.path(),
+                      "import " + demoFile("household.lif") + "\nundo\nredo\nundo\n");
+  ASSERT_EQ(shell.exitStatus, 0) << shell.err;
+  EXPECT_NE(shell.out.find("Everyday Checking - 5 transactions\n"), std::string::npos);
+  EXPECT_NE(shell.out.find("Undo Import"), std::string::npos) << shell.out;
+  EXPECT_NE(shell.out.find("Redo Import"), std::string::npos) << shell.out;
+  // Undone last: the document is empty again, so the file can be imported once more.
+  const auto again = testing::runCli({"import", document, demoFile("household.lif")}, home.path());
+  EXPECT_EQ(again.exitStatus, 0) << again.err;
+}
+
 TEST(ImportCommand, BadArgumentsFailWithAMessage) {
   testing::TempFolder home;
   const std::string document = (home / "Family.ledgeon").string();
