@@ -1,16 +1,30 @@
 // Reading import files: a LIF file of 100,000 bank transactions over 5 accounts (30% with splits,
 // 10% transfers) and a 100,000-row CSV export. The floor of each is splitting the same text into
 // lines, which every reader must at least do.
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <map>
+#include <memory>
 #include <string>
 #include <vector>
 
 #include <benchmark/benchmark.h>
 #include <fmt/format.h>
+#include <sys/resource.h>
 
+#include "Commands/LCommandManager.h"
+#include "DataBase/DataBase.h"
 #include "ImportExport/CSVParser.h"
+#include "ImportExport/ImportLIFFileCommand.h"
 #include "ImportExport/ImportLog.h"
+#include "ImportExport/ImportTextFileCommand.h"
 #include "ImportExport/LIFReader.h"
 #include "ImportExport/TextFileReader.h"
+#include "LObjects/LObject.h"
+#include "Platform/ScriptedUserInterface.h"
+#include "Platform/Services.h"
+#include "Utilities/LDateUtilities.h"
 
 namespace {
 
@@ -107,5 +121,214 @@ void csvRows(benchmark::State& state) {
   state.SetBytesProcessed(state.iterations() * static_cast<int64_t>(csvText().size()));
 }
 BENCHMARK(csvRows)->Name("CSVParse/rows")->Unit(benchmark::kMillisecond);
+
+}  // namespace
+
+// Importing the same files into a new document. The floor creates the same transactions straight
+// through the model (objects made from the read records, one commit); the variants run the import
+// commands, with their transfer bookkeeping, creation commands and undo lists. Each run also
+// reports the peak resident memory of the process and the file's size.
+namespace {
+
+using namespace ledgeon;
+
+// The smallest open document the commands need: a real store, undo and command managers, and
+// store transactions that commit at the outermost end.
+class BenchDocument final : public LCommandDocument {
+ public:
+  explicit BenchDocument(const std::filesystem::path& folder)
+      : dataBase_(DataBase::initWithFileURL(folder / "data", true).value()),
+        undoManager_(LCommandManager::createUndoManager()),
+        commandManager_(std::make_unique<LCommandManager>(*this, *undoManager_)) {}
+  DataBase& dataBase() override { return *dataBase_; }
+  LCommandManager* commandManager() override { return commandManager_.get(); }
+  void beginTransaction() override { ++depth_; }
+  Result<void> endTransaction() override {
+    if (--depth_ > 0) return {};
+    return dataBase_->commit();
+  }
+  void commandDirtiedDocument() override {}
+
+ private:
+  std::unique_ptr<DataBase> dataBase_;
+  std::unique_ptr<UndoManager> undoManager_;
+  std::unique_ptr<LCommandManager> commandManager_;
+  int depth_ = 0;
+};
+
+// A fresh folder for each document, removed afterwards.
+struct Scratch {
+  Scratch() : path(std::filesystem::temp_directory_path() / fmt::format("ledgeon-bench-{}", ++n)) {
+    std::filesystem::remove_all(path);
+    std::filesystem::create_directories(path);
+  }
+  ~Scratch() { std::filesystem::remove_all(path); }
+  std::filesystem::path write(const std::string& name, const std::string& text) const {
+    std::ofstream(path / name, std::ios::binary) << text;
+    return path / name;
+  }
+  static inline int n = 0;
+  std::filesystem::path path;
+};
+
+// The export of the web service: nine columns, a title row, 100,000 rows.
+const std::string& csvExportText() {
+  static const std::string text = [] {
+    std::string out =
+        "\"Date\",\"Description\",\"Original Description\",\"Amount\",\"Transaction Type\","
+        "\"Category\",\"Account Name\",\"Labels\",\"Notes\"\n";
+    const char* const categories[] = {"Groceries", "Uncategorized", "Fuel", "Salary", "Rent"};
+    for (int i = 0; i < kTransactions; ++i) {
+      out += fmt::format(
+          "\"{}/{}/2025\",\"Payee {}\",\"PAYEE {} #{}\",\"{}.{:02}\",\"{}\",\"{}\",\"Visa\","
+          "\"{}\",\"note {}\"\n",
+          i % 12 + 1, i % 28 + 1, i % 311, i % 311, i % 7, i % 900, i % 100,
+          i % 4 == 0 ? "credit" : "debit", categories[i % 5], i % 3 == 0 ? "work travel" : "", i);
+    }
+    return out;
+  }();
+  return text;
+}
+
+const std::vector<std::string>& csvExportColumns() {
+  static const std::vector<std::string> names = {
+      "date",        "description",     "originalDescription",
+      "amount",      "transactionType", "category",
+      "accountName", "labels",          "notes"};
+  return names;
+}
+
+void reportMemory(benchmark::State& state, const std::string& text) {
+  rusage usage{};
+  getrusage(RUSAGE_SELF, &usage);
+  state.counters["peakMB"] = static_cast<double>(usage.ru_maxrss) / 1024.0;
+  state.counters["fileMB"] = static_cast<double>(text.size()) / (1024.0 * 1024.0);
+}
+
+// What the floor makes of the records: accounts, categories, tags and transactions with lines.
+class DirectWriter {
+ public:
+  explicit DirectWriter(DataBase& db) : db_(db) {}
+  LObject* named(std::map<std::string, LObject*>& cache, const char* entity,
+                 const std::string& name) {
+    auto& slot = cache[name];
+    if (!slot) slot = &db_.createEntity(entity, {{"name", Value(name)}});
+    return slot;
+  }
+  void transaction(LObject* account, const std::optional<Date>& date, const Amount& amount,
+                   const std::string& payee, const std::vector<LIFSplit>& splits) {
+    EditDict properties{{"account", Value(account)}, {"amount", Value(amount)}};
+    if (date) properties.set("enteredDate", Value(*date));
+    if (!payee.empty()) properties.set("userPayee", Value(named(payees_, "UserPayee", payee)));
+    LObject& t = db_.createEntity("CashFlowTransaction", properties);
+    int64_t sequence = 0;
+    for (const LIFSplit& split : splits) {
+      EditDict line{{"parent", Value(&t)},
+                    {"amount", Value(split.amount)},
+                    {"sequenceNumber", Value(sequence++)}};
+      if (split.isTransfer()) {
+        line.set("transfer", Value(split.transferAccount));
+      } else if (!split.category.empty()) {
+        line.set("categoryTag", Value(named(categories_, "CategoryTag", split.category)));
+      }
+      if (!split.tag.empty()) {
+        line.set("userTags", Value(ObjectSet{named(tags_, "UserTag", split.tag)}));
+      }
+      if (!split.memo.empty()) line.set("note", Value(split.memo));
+      lastLine_ = &db_.createEntity("CashFlowTransactionEntry", line);
+    }
+  }
+  std::map<std::string, LObject*> accounts_, categories_, tags_, payees_;
+  LObject* lastLine_ = nullptr;
+
+ private:
+  DataBase& db_;
+};
+
+void lifImportFloor(benchmark::State& state) {
+  for (auto _ : state) {
+    Scratch scratch;
+    auto db = DataBase::initWithFileURL(scratch.path / "data", true).value();
+    DirectWriter writer(*db);
+    ImportLog log("Import Log", "bench");
+    LIFReader reader(log);
+    reader.readText(lifText(), [&](LIFRecord&& record) {
+      if (auto* list = std::get_if<LIFAccountList>(&record)) {
+        for (const auto& a : list->accounts) writer.named(writer.accounts_, "Account", a.name);
+      } else if (auto* t = std::get_if<LIFBankTransaction>(&record)) {
+        writer.transaction(writer.named(writer.accounts_, "Account", t->account), t->date,
+                           t->amount, t->payee, t->splits);
+      }
+    });
+    if (!db->commit().ok()) state.SkipWithError("commit failed");
+  }
+  reportMemory(state, lifText());
+}
+BENCHMARK(lifImportFloor)->Name("LIFImport/floor")->Unit(benchmark::kMillisecond)->Iterations(1);
+
+void lifImportCommand(benchmark::State& state) {
+  Services::shared().setUserInterface(std::make_shared<ScriptedUserInterface>());
+  for (auto _ : state) {
+    Scratch scratch;
+    setenv("LEDGEON_HOME", scratch.path.c_str(), 1);
+    auto document = std::make_shared<BenchDocument>(scratch.path);
+    auto command =
+        std::make_shared<ImportLIFFileCommand>(scratch.write("bench.lif", lifText()), document);
+    command->setShowsProgressDialog(false);
+    if (!command->execute()) state.SkipWithError("import failed");
+  }
+  reportMemory(state, lifText());
+}
+BENCHMARK(lifImportCommand)
+    ->Name("LIFImport/command")
+    ->Unit(benchmark::kMillisecond)
+    ->Iterations(1);
+
+void csvImportFloor(benchmark::State& state) {
+  for (auto _ : state) {
+    Scratch scratch;
+    auto db = DataBase::initWithFileURL(scratch.path / "data", true).value();
+    DirectWriter writer(*db);
+    LObject* account = writer.named(writer.accounts_, "Account", "bench.csv");
+    CSVParser(csvExportText(), ",", false, csvExportColumns())
+        .parseRowsForReceiver([&](CSVRow&& row) {
+          const auto date = LDateUtilities::dateFromMonthDayYearString(row["date"]);
+          if (!date) return;
+          Amount amount = Amount::fromString(row["amount"]);
+          if (row["transactionType"] == "debit") amount = amount.decimalNumberByNegating();
+          std::vector<LIFSplit> lines{LIFSplit{0, row["category"], "", row["notes"], amount, ""}};
+          writer.transaction(account, date, amount, row["description"], lines);
+          // The labels, as the import splits them.
+          if (!row["labels"].empty()) {
+            LObject* line = writer.lastLine_;
+            ObjectSet tags;
+            for (const char* name : {"work", "travel"}) {
+              tags.push_back(writer.named(writer.tags_, "UserTag", name));
+            }
+            line->setValueForKey("userTags", Value(std::move(tags)));
+          }
+        });
+    if (!db->commit().ok()) state.SkipWithError("commit failed");
+  }
+  reportMemory(state, csvExportText());
+}
+BENCHMARK(csvImportFloor)->Name("CSVImport/floor")->Unit(benchmark::kMillisecond)->Iterations(1);
+
+void csvImportCommand(benchmark::State& state) {
+  Services::shared().setUserInterface(std::make_shared<ScriptedUserInterface>());
+  for (auto _ : state) {
+    Scratch scratch;
+    auto document = std::make_shared<BenchDocument>(scratch.path);
+    auto command = std::make_shared<ImportTextFileCommand>(
+        scratch.write("bench.csv", csvExportText()), document);
+    command->setShowsProgressDialog(false);
+    if (!command->execute()) state.SkipWithError("import failed");
+  }
+  reportMemory(state, csvExportText());
+}
+BENCHMARK(csvImportCommand)
+    ->Name("CSVImport/command")
+    ->Unit(benchmark::kMillisecond)
+    ->Iterations(1);
 
 }  // namespace

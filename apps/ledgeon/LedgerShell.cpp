@@ -11,6 +11,7 @@
 #include "Commands/LCommandDocument.h"
 #include "Commands/UndoManager.h"
 #include "DataBase/DataBase.h"
+#include "ImportCommand.h"
 #include "LObjects/Model.h"
 #include "LedgerListing.h"
 #include "Subcommand.h"
@@ -63,6 +64,7 @@ std::string LedgerShell::helpText() {
   transaction duplicate ID
   transaction delete ID
   transaction list [ACCOUNT] [--json]
+  import FILE [format=lif|csv]     a LIF file or CSV export, as one undoable step; prints the log
   undo | redo      undo or redo the last change, printing its menu title
   help | quit
 )";
@@ -145,6 +147,10 @@ bool LedgerShell::runLine(std::string_view line) {
     noun == "undo" ? undo() : redo();
     return true;
   }
+  if (noun == "import") {
+    importRequest(parseArguments(words, 1));
+    return true;
+  }
   const std::string verb = words.size() > 1 ? words[1] : std::string();
   const Arguments arguments = parseArguments(words, 2);
   if (noun == "account") {
@@ -161,6 +167,18 @@ bool LedgerShell::runLine(std::string_view line) {
     throw CommandFailure("unknown request \"" + noun + "\" (type help for the list)");
   }
   return true;
+}
+
+void LedgerShell::importRequest(const Arguments& arguments) {
+  requirePositional(arguments, 1, "import FILE [format=lif|csv]");
+  allowOptions(arguments, {"format"}, "import");
+  std::string format;
+  for (const auto& [key, value] : arguments.options) format = value;
+  auto command = importCommandForFile(arguments.positional[0], format, document_);
+  command->setShowsProgressDialog(false);
+  const bool imported = command->execute();
+  if (command->log()) out_ << command->log()->plainText();
+  if (!imported) throw CommandFailure("could not import \"" + arguments.positional[0] + "\"");
 }
 
 void LedgerShell::run(const std::shared_ptr<KVCommand>& command, const std::string& refusal) {

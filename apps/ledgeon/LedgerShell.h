@@ -65,6 +65,8 @@ class LedgerShell final {
   std::vector<EditDict> transactionLines(const std::vector<SplitRequest>& splits, LObject& account,
                                          const Amount& total, EditDict& properties);
   void editTransaction(const Arguments& arguments);
+  // A file imported as one undoable step.
+  void importRequest(const Arguments& arguments);
   void undo();
   void redo();
 

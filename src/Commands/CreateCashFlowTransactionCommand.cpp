@@ -62,6 +62,12 @@ LObject* CreateCashFlowTransactionCommand::createObject(EditDict properties) {
       dataBase.entityDescriptionForName("CashFlowTransactionEntry");
   LObject& transaction =
       LObject::createEntityInManagedObjectContext(dataBase, objectClass(), properties);
+  // A transaction made this moment has no lines yet. Saying so spares the store a search through
+  // every pending object when the first line is added (imports add hundreds of thousands).
+  const int entriesSlot = transaction.entity().property("entries")->index;
+  if (transaction.primitiveValue(entriesSlot).isNull()) {
+    transaction.setPrimitiveValue(entriesSlot, Value(ObjectSet{}));
+  }
 
   creationCommands_.clear();
   int64_t sequenceNumber = 0;

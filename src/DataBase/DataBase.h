@@ -41,6 +41,9 @@ class DataBase final : public LObjectContext {
   // Lifetime and commit (DataBase.cpp, DataBaseCommit.cpp).
   void close();
   void reset();  // drops every uncommitted change and every loaded object
+  // Drops every uncommitted change and every object made since the last commit; the objects that
+  // were stored stay loaded, with their committed values (DataBaseRollback.cpp).
+  void rollback();
   bool hasChanges() const;
   Result<void> commit() { return commitAndSendNotifications(true); }
   Result<void> commitAndSendNotifications(bool sendNotifications);

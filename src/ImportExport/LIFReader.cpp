@@ -94,7 +94,7 @@ void LIFReader::mainPass() {
   for (size_t i = 0; i < lines_.size();) {
     if (progress_ && i > lastCancelPoll + 10) {
       lastCancelPoll = i;
-      if (!progress_(i, lines_.size())) {
+      if (!progress_(i, lines_.size(), lines_[i].text)) {
         userAborted_ = true;
         return;
       }

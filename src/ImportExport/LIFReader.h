@@ -35,8 +35,9 @@ struct LIFReaderLookups {
 // the reading. Main thread only.
 class LIFReader final {
  public:
-  // Asked with the index of the line being read and the line count; false cancels the reading.
-  using Progress = std::function<bool(size_t index, size_t count)>;
+  // Asked with the index of the line being read, the line count and the line's text; false
+  // cancels the reading.
+  using Progress = std::function<bool(size_t index, size_t count, std::string_view line)>;
 
   explicit LIFReader(ImportLog& log, LIFReaderLookups lookups = {});
 

@@ -436,7 +436,7 @@ TEST(LIFReaderTest, CancelStopsTheReading) {
   ImportLog log("Import Log", "path");
   LIFReader reader(log);
   size_t asked = 0;
-  reader.setProgress([&](size_t, size_t) { return ++asked < 3; });
+  reader.setProgress([&](size_t, size_t, std::string_view) { return ++asked < 3; });
   const auto records = reader.readText(file);
   EXPECT_TRUE(reader.userAborted());
   EXPECT_LT(records.size(), 50u);

@@ -1,0 +1,133 @@
+// ledgeon import DOC FILE: a LIF file or a CSV transaction export into a document.
+#include "ImportCommand.h"
+
+#include <iostream>
+#include <memory>
+#include <string>
+
+#include <nlohmann/json.hpp>
+
+#include "DataBase/DataBase.h"
+#include "DemoStep.h"
+#include "Documents/LDocument.h"
+#include "ImportExport/ImportLIFFileCommand.h"
+#include "ImportExport/ImportLedger.h"
+#include "ImportExport/ImportTextFileCommand.h"
+#include "ImportExport/TextFileReader.h"
+#include "LObjects/LObject.h"
+#include "Subcommand.h"
+#include "TerminalUserInterface.h"
+#include "Utilities/Resources.h"
+
+namespace ledgeon::cli {
+
+std::string formatOfFile(const std::string& file) {
+  auto text = TextFileReader::readFile(file);
+  if (!text) throw CommandFailure(text.error().localizedDescription());
+  for (const std::string_view line : TextFileReader::splitLines(*text)) {
+    if (line.find_first_not_of(" \t") == std::string_view::npos) continue;
+    return line.front() == '!' ? "lif" : "csv";
+  }
+  throw CommandFailure("\"" + file + "\" is empty");
+}
+
+std::shared_ptr<ImportFileCommand> importCommandForFile(
+    const std::string& file, const std::string& format,
+    const std::shared_ptr<LCommandDocument>& document) {
+  const std::string chosen = format.empty() ? formatOfFile(file) : format;
+  if (chosen == "lif") return std::make_shared<ImportLIFFileCommand>(file, document);
+  if (chosen == "csv") return std::make_shared<ImportTextFileCommand>(file, document);
+  throw CommandFailure("unknown format \"" + format + "\" (lif or csv)");
+}
+
+namespace {
+
+struct ImportOptions {
+  std::string document;
+  std::string file;
+  std::string format;
+  bool json = false;
+};
+
+void runImport(const ImportOptions& options) {
+  TerminalUserInterface::shared().addPresetAnswer("OK");
+  auto opened = LDocument::initWithContentsOfURL(options.document);
+  if (!opened) {
+    throw CommandFailure(opened.error().isUserCancelled()
+                             ? "The document \u201c" + options.document +
+                                   "\u201d was not opened: it is open elsewhere."
+                             : opened.error().localizedDescription());
+  }
+  std::shared_ptr<LDocument> document = *opened;
+  LCommandDocument::setCurrentDocument(document);
+  auto command = importCommandForFile(options.file, options.format, document);
+  const bool imported = command->execute();
+  if (const auto& log = command->log()) {
+    if (options.json) {
+      std::cout << nlohmann::json::parse(log->jsonText()).dump(2) << "\n";
+    } else {
+      std::cout << log->plainText();
+    }
+  }
+  const bool cancelled = command->userAborted();
+  command.reset();
+  document->close();
+  if (!imported) {
+    throw CommandFailure(cancelled ? "the import was cancelled"
+                                   : "could not import \"" + options.file + "\"");
+  }
+}
+
+const SubcommandRegistration registration(620, [](CLI::App& app) {
+  auto options = std::make_shared<ImportOptions>();
+  auto* import = app.add_subcommand(
+      "import",
+      "Import a LIF file or a CSV transaction export into a document, as one undoable "
+      "step, and print the import log");
+  import->add_option("document", options->document, "The document package")->required();
+  import->add_option("file", options->file, "The file to import")->required();
+  import->add_option("--format", options->format, "lif or csv (default: recognised from the file)")
+      ->check(CLI::IsMember({"lif", "csv"}));
+  import->add_flag("--json", options->json, "Print the import log as a JSON tree");
+  import->callback([options] { runImport(*options);
+});
+});
+
+void showImport(DemoContext& context) {
+  auto& out = context.out;
+  const auto path = context.workFolder / "Imported.ledgeon";
+  std::filesystem::remove_all(path);
+  auto created = LDocument::createNewDocument(path);
+  if (!created) {
+    out << created.error().localizedDescription() << "\n";
+    return;
+  }
+  std::shared_ptr<LDocument> document = *created;
+  LCommandDocument::setCurrentDocument(document);
+  TerminalUserInterface::shared().addPresetAnswer("OK");
+  const auto sample = resourcePath("demo/household.lif");
+  auto command = std::make_shared<ImportLIFFileCommand>(sample, document);
+  command->setShowsProgressDialog(false);
+  if (!command->execute()) {
+    out << "The import failed\n";
+    document->close();
+    return;
+  }
+  out << "Imported " << sample.filename().string() << " into " << path.string() << ":\n";
+  for (LObject* account :
+       document->dataBase().instancesOfClass("Account", {.sortDescriptors = {{"name"}}})) {
+    out << "  " << account->stringForKey("name") << ": "
+        << ImportLedger::endingRealTransactionBalance(document->dataBase(), *account).stringValue()
+        << "\n";
+  }
+  out << "Try: ledgeon import " << path.string() << " "
+      << resourcePath("demo/transactions.csv").string() << "\n";
+  command.reset();
+  document->close();
+}
+
+const DemoStepRegistration demoStep(400, "Importing a LIF file", showImport);
+
+}  // namespace
+
+}  // namespace ledgeon::cli
