@@ -40,9 +40,7 @@ int64_t implicitSignFor(const EntityDescription& entity) {
 
 ImportLedger::ImportLedger(std::shared_ptr<LCommandDocument> document, std::string dataSource,
                            std::vector<std::shared_ptr<KVCommand>>& keptCommands)
-    : document_(std::move(document)),
-      dataSource_(std::move(dataSource)),
-      keptCommands_(keptCommands) {}
+    : document_(document), dataSource_(std::move(dataSource)), keptCommands_(keptCommands) {}
 
 bool ImportLedger::run(const std::shared_ptr<KVCommand>& command) {
   if (!command->execute()) return false;
@@ -64,7 +62,7 @@ LObject* ImportLedger::lookup(Cache& cache, const char* entityName, const std::s
   // Misses are cached too: only this import adds objects while it runs, and it fills the cache
   // with what it makes.
   if (const auto found = cache.find(key); found != cache.end()) return found->second;
-  const auto objects = document_->dataBase().instancesOfClass(
+  const auto objects = sharedDocument()->dataBase().instancesOfClass(
       entityName,
       {.predicate = Predicate::withFormat("%K == %@", std::string(keyPath), key), .fetchLimit = 1});
   LObject* object = objects.empty() ? nullptr : objects.front();
@@ -78,7 +76,7 @@ LObject* ImportLedger::accountNamed(const std::string& name) {
 LObject* ImportLedger::categoryNamed(const std::string& name) {
   // A category is known by its own name or by its full name ("Food:Groceries").
   if (const auto found = categories_.find(name); found != categories_.end()) return found->second;
-  const auto objects = document_->dataBase().instancesOfClass(
+  const auto objects = sharedDocument()->dataBase().instancesOfClass(
       "CategoryTag",
       {.predicate = Predicate::withFormat("internalName == %@ OR name == %@", name, name),
        .sortDescriptors = {{"internalName", false}},
@@ -93,7 +91,7 @@ LObject* ImportLedger::securityNamed(const std::string& name) {
 }
 
 std::vector<LObject*> ImportLedger::securitiesWithTicker(const std::string& ticker) {
-  return document_->dataBase().instancesOfClass(
+  return sharedDocument()->dataBase().instancesOfClass(
       "Security", {.predicate = Predicate::withFormat("ticker == %@", ticker)});
 }
 
@@ -118,7 +116,7 @@ LObject* ImportLedger::accountTypeNamed(const std::string& typeName) {
   // A document holds one account type object per class; the plain ones are told by name.
   const AccountTypeClass wanted = accountTypeClassFor(typeName);
   LObject* type = nullptr;
-  for (LObject* candidate : document_->dataBase().instancesOfClass("AccountType")) {
+  for (LObject* candidate : sharedDocument()->dataBase().instancesOfClass("AccountType")) {
     if (candidate->className() != wanted.className) continue;
     if (std::string_view(wanted.className) == "AccountType" &&
         candidate->stringForKey("name") != wanted.name) {
@@ -129,13 +127,13 @@ LObject* ImportLedger::accountTypeNamed(const std::string& typeName) {
   }
   if (!type) {
     const EntityDescription& entity =
-        document_->dataBase().entityDescriptionForName(wanted.className);
+        sharedDocument()->dataBase().entityDescriptionForName(wanted.className);
     type = created(std::make_shared<CreateLObjectCommand>(
         wanted.className,
         EditDict{{"name", Value(wanted.name)},
                  {"dataSource", Value(dataSource_)},
                  {"implicitSign", Value(implicitSignFor(entity))}},
-        document_));
+        sharedDocument()));
   }
   accountTypes_[typeName] = type;
   return type;
@@ -148,15 +146,15 @@ bool ImportLedger::isChecking(LObject* account) {
 
 LObject* ImportLedger::createAccount(EditDict properties) {
   const Value* name = properties.find("name");
-  LObject* account =
-      created(std::make_shared<CreateLObjectCommand>("Account", std::move(properties), document_));
+  LObject* account = created(
+      std::make_shared<CreateLObjectCommand>("Account", std::move(properties), sharedDocument()));
   if (account && name) accounts_[account->stringForKey("name")] = account;
   return account;
 }
 
 LObject* ImportLedger::createCategory(EditDict properties) {
-  LObject* category = created(
-      std::make_shared<CreateLObjectCommand>("CategoryTag", std::move(properties), document_));
+  LObject* category = created(std::make_shared<CreateLObjectCommand>(
+      "CategoryTag", std::move(properties), sharedDocument()));
   if (category) {
     categories_[category->stringForKey("name")] = category;
   }
@@ -164,15 +162,15 @@ LObject* ImportLedger::createCategory(EditDict properties) {
 }
 
 LObject* ImportLedger::createUserTag(EditDict properties) {
-  LObject* tag =
-      created(std::make_shared<CreateLObjectCommand>("UserTag", std::move(properties), document_));
+  LObject* tag = created(
+      std::make_shared<CreateLObjectCommand>("UserTag", std::move(properties), sharedDocument()));
   if (tag) tags_[tag->stringForKey("name")] = tag;
   return tag;
 }
 
 LObject* ImportLedger::createSecurity(EditDict properties) {
-  LObject* security =
-      created(std::make_shared<CreateLObjectCommand>("Security", std::move(properties), document_));
+  LObject* security = created(
+      std::make_shared<CreateLObjectCommand>("Security", std::move(properties), sharedDocument()));
   if (security) securities_[security->stringForKey("name")] = security;
   return security;
 }
@@ -183,7 +181,7 @@ LObject* ImportLedger::createPosition(LObject& account, LObject& security) {
                                                      EditDict{{"dataSource", Value(dataSource_)},
                                                               {"account", Value(&account)},
                                                               {"security", Value(&security)}},
-                                                     document_));
+                                                     sharedDocument()));
   if (position) positions_[{&account, &security}] = position;
   return position;
 }
@@ -191,7 +189,7 @@ LObject* ImportLedger::createPosition(LObject& account, LObject& security) {
 LObject* ImportLedger::createInvestmentTransaction(EditDict properties) {
   LObject* account = properties.find("account") ? properties.find("account")->asObject() : nullptr;
   LObject* transaction = created(std::make_shared<CreateTransactionCommand>(
-      "InvestmentTransaction", std::move(properties), document_));
+      "InvestmentTransaction", std::move(properties), sharedDocument()));
   if (transaction && account) ++transactionsCreated_[account];
   return transaction;
 }
@@ -201,7 +199,8 @@ LObject* ImportLedger::payeeNamed(const std::string& name, const char* entityNam
   LObject* payee = lookup(cache, entityName, name);
   if (payee || !create) return payee;
   payee = created(std::make_shared<CreateLObjectCommand>(
-      entityName, EditDict{{"name", Value(name)}, {"dataSource", Value(dataSource_)}}, document_));
+      entityName, EditDict{{"name", Value(name)}, {"dataSource", Value(dataSource_)}},
+      sharedDocument()));
   cache[name] = payee;
   return payee;
 }
@@ -264,7 +263,7 @@ LObject* ImportLedger::createCashFlowTransaction(const ImportTransaction& transa
   lines.reserve(transaction.lines.size());
   for (const ImportSplit& line : transaction.lines) lines.push_back(lineProperties(line));
   LObject* created = this->created(std::make_shared<CreateCashFlowTransactionCommand>(
-      std::move(properties), std::move(lines), document_));
+      std::move(properties), std::move(lines), sharedDocument()));
   if (created) ++transactionsCreated_[transaction.account];
   return created;
 }

@@ -26,7 +26,7 @@ class ImportLedger final {
   ImportLedger(std::shared_ptr<LCommandDocument> document, std::string dataSource,
                std::vector<std::shared_ptr<KVCommand>>& keptCommands);
 
-  LCommandDocument& document() { return *document_; }
+  LCommandDocument& document() { return *sharedDocument(); }
   const std::string& dataSource() const { return dataSource_; }
 
   // Runs `command` inside the import; keeps it when it succeeds.
@@ -79,7 +79,9 @@ class ImportLedger final {
   LObject* lookup(Cache& cache, const char* entityName, const std::string& key,
                   const char* keyPath = "name");
 
-  std::shared_ptr<LCommandDocument> document_;
+  // Weak: the ledger lives in an import command, which the document's undo history keeps.
+  std::shared_ptr<LCommandDocument> sharedDocument() const { return document_.lock(); }
+  std::weak_ptr<LCommandDocument> document_;
   std::string dataSource_;
   std::vector<std::shared_ptr<KVCommand>>& keptCommands_;
   std::map<std::string, LObject*, std::less<>> accounts_;
