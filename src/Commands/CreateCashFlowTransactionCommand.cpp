@@ -87,6 +87,14 @@ LObject* CreateCashFlowTransactionCommand::createObject(EditDict properties) {
   return &transaction;
 }
 
+std::vector<LObject*> CreateCashFlowTransactionCommand::createdObjects() const {
+  std::vector<LObject*> made = CreateTransactionCommand::createdObjects();
+  for (const auto& line : creationCommands_) {
+    if (LObject* entry = line->firstSource()) made.push_back(entry);
+  }
+  return made;
+}
+
 void CreateCashFlowTransactionCommand::undoCreation() {
   for (auto line = creationCommands_.rbegin(); line != creationCommands_.rend(); ++line) {
     (*line)->undoit();

@@ -32,6 +32,7 @@ class CreateCashFlowTransactionCommand : public CreateTransactionCommand {
   // A duplicate is a new object for the cloud service: its syncID is dropped.
   void setDuplicating(bool duplicating) { duplicating_ = duplicating; }
   const std::vector<EditDict>& creationLines() const { return creationLines_; }
+  std::vector<LObject*> createdObjects() const override;  // the transaction, then its lines
   const std::vector<std::shared_ptr<KVCommand>>& creationCommands() const {
     return creationCommands_;
   }

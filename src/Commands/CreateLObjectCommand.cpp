@@ -56,6 +56,11 @@ void CreateLObjectCommand::redoit() {
   (void)transaction.end();
 }
 
+std::vector<LObject*> CreateLObjectCommand::createdObjects() const {
+  if (LObject* created = createdObject()) return {created};
+  return {};
+}
+
 std::string CreateLObjectCommand::commandNoun() {
   return LocalizedString("UndoNoun_" + objectClass());
 }

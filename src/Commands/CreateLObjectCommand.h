@@ -2,6 +2,7 @@
 
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "Commands/CreationRetraction.h"
 #include "Commands/KVCommand.h"
@@ -25,6 +26,8 @@ class CreateLObjectCommand : public KVCommand {
   std::string commandNoun() override;
 
   LObject* createdObject() const { return firstSource(); }
+  // Every object the command made, in the order it made them.
+  virtual std::vector<LObject*> createdObjects() const;
   const EditDict& properties() const { return properties_; }
 
  protected:

@@ -4,6 +4,7 @@
 
 #include "Commands/CreateCashFlowTransactionCommand.h"
 #include "Commands/CreateLObjectCommand.h"
+#include "Commands/KeptCreationsCommand.h"
 #include "DataBase/DataBase.h"
 #include "LObjects/LObject.h"
 
@@ -44,7 +45,21 @@ ImportLedger::ImportLedger(std::shared_ptr<LCommandDocument> document, std::stri
 
 bool ImportLedger::run(const std::shared_ptr<KVCommand>& command) {
   if (!command->execute()) return false;
-  keptCommands_.push_back(command);
+  if (!KeptCreationsCommand::canKeep(*command)) {
+    keptCommands_.push_back(command);
+    return true;
+  }
+  // A file's thousands of creations are kept as their objects alone, in runs between the other
+  // kept commands so that undo still goes back in order.
+  auto* creations = keptCommands_.empty()
+                        ? nullptr
+                        : dynamic_cast<KeptCreationsCommand*>(keptCommands_.back().get());
+  if (!creations) {
+    auto kept = std::make_shared<KeptCreationsCommand>(sharedDocument());
+    creations = kept.get();
+    keptCommands_.push_back(std::move(kept));
+  }
+  creations->keep(static_cast<const CreateLObjectCommand&>(*command));
   return true;
 }
 

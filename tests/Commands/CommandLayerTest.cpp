@@ -6,6 +6,7 @@
 
 #include "Commands/CreateCashFlowTransactionCommand.h"
 #include "Commands/DeleteLObjectCommand.h"
+#include "Commands/KeptCreationsCommand.h"
 #include "Commands/SetLObjectPropertyCommand.h"
 #include "LObjects/LObject.h"
 #include "Utilities/Clock.h"
@@ -220,6 +221,40 @@ TEST_F(CommandLayerTest, SetAndDeleteRestoreExactly) {
   EXPECT_FALSE(transaction.isLObjectDeleted());
   EXPECT_EQ(transaction.objectForKey("account"), &account);
   EXPECT_EQ(transaction.objectsForKey("entries").size(), 1u);
+}
+
+TEST_F(CommandLayerTest, KeptCreationsUndoAndRedoLikeTheCommandsThatMadeThem) {
+  LObject& account = makeAccount("Checking");
+  auto kept = std::make_shared<KeptCreationsCommand>();
+  std::vector<LObject*> transactions;
+  for (const char* amount : {"-5", "-7"}) {
+    auto create = std::make_shared<CreateCashFlowTransactionCommand>(
+        EditDict{{"account", Value(&account)}, {"amount", Value(Amount::fromString(amount))}},
+        std::vector<EditDict>{{{"amount", Value(Amount::fromString(amount))}}});
+    create->setUndoBehavior(2);  // made inside the batch, not undoable by itself
+    ASSERT_TRUE(create->execute());
+    ASSERT_TRUE(KeptCreationsCommand::canKeep(*create));
+    kept->keep(*create);
+    transactions.push_back(create->createdObject());
+  }
+  EXPECT_EQ(kept->objectCount(), 4u);  // each transaction and its line
+  EXPECT_FALSE(KeptCreationsCommand::canKeep(*scripted("other")));
+
+  for (int round = 0; round < 2; ++round) {
+    kept->undoit();
+    for (LObject* transaction : transactions) {
+      EXPECT_TRUE(transaction->isLObjectDeleted());
+      EXPECT_TRUE(transaction->objectsForKey("entries").empty());
+    }
+    EXPECT_TRUE(account.objectsForKey("transactions").empty());
+    kept->redoit();
+    EXPECT_EQ(account.objectsForKey("transactions"), transactions);
+    for (LObject* transaction : transactions) {
+      EXPECT_FALSE(transaction->isLObjectDeleted());
+      ASSERT_EQ(transaction->objectsForKey("entries").size(), 1u);
+      EXPECT_FALSE(transaction->objectsForKey("entries")[0]->isLObjectDeleted());
+    }
+  }
 }
 
 }  // namespace
