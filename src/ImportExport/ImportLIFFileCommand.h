@@ -5,6 +5,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "ImportExport/ImportFileCommand.h"
@@ -65,7 +66,10 @@ class ImportLIFFileCommand final : public ImportFileCommand {
   struct PendingKey {
     std::optional<Date> date;
     LObject* account;
-    friend auto operator<=>(const PendingKey&, const PendingKey&) = default;
+    // Spelled out: Clang 14 warns inside a defaulted <=> over std::optional.
+    friend bool operator<(const PendingKey& a, const PendingKey& b) {
+      return std::tie(a.date, a.account) < std::tie(b.date, b.account);
+    }
   };
   struct Quote {
     Date date;
