@@ -20,8 +20,8 @@ namespace {
 // at the current one and needs none.
 constexpr int64_t kCurrentOneTimeFixRevision = 1;
 
-// Category kinds, stored in CashFlowTag `type`.
-enum class CategoryKind : int64_t { kExpense = 0, kIncome = 1 };
+// Category kinds, stored in CashFlowTag `type`: the codes LIF files use too ("I" marks income).
+enum class CategoryKind : int64_t { kExpense = 1, kIncome = 2 };
 
 struct AccountTypeRow {
   const char* className;
