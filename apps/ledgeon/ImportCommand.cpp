@@ -7,6 +7,7 @@
 
 #include <nlohmann/json.hpp>
 
+#include "CliValues.h"
 #include "DataBase/DataBase.h"
 #include "DemoStep.h"
 #include "Documents/LDocument.h"
@@ -117,12 +118,14 @@ void showImport(DemoContext& context) {
   for (LObject* account :
        document->dataBase().instancesOfClass("Account", {.sortDescriptors = {{"name"}}})) {
     out << "  " << account->stringForKey("name") << ": "
-        << ImportLedger::endingRealTransactionBalance(document->dataBase(), *account).stringValue()
+        << formatMoney(ImportLedger::endingRealTransactionBalance(document->dataBase(), *account))
         << "\n";
   }
   out << "Try: ledgeon import " << path.string() << " "
       << resourcePath("demo/transactions.csv").string() << "\n";
   command.reset();
+  // The demo's scratch document needs no backup, and a demo asks nothing.
+  TerminalUserInterface::shared().addPresetAnswer("Don\u2019t Back Up");
   document->close();
 }
 
