@@ -16,6 +16,7 @@
 #include "ImportExport/ImportTextFileCommand.h"
 #include "ImportExport/TextFileReader.h"
 #include "LObjects/LObject.h"
+#include "OpenLedger.h"
 #include "Subcommand.h"
 #include "TerminalUserInterface.h"
 #include "Utilities/Resources.h"
@@ -51,17 +52,8 @@ struct ImportOptions {
 };
 
 void runImport(const ImportOptions& options) {
-  TerminalUserInterface::shared().addPresetAnswer("OK");
-  auto opened = LDocument::initWithContentsOfURL(options.document);
-  if (!opened) {
-    throw CommandFailure(opened.error().isUserCancelled()
-                             ? "The document \u201c" + options.document +
-                                   "\u201d was not opened: it is open elsewhere."
-                             : opened.error().localizedDescription());
-  }
-  std::shared_ptr<LDocument> document = *opened;
-  LCommandDocument::setCurrentDocument(document);
-  auto command = importCommandForFile(options.file, options.format, document);
+  OpenLedger document(options.document, {"OK"});
+  auto command = importCommandForFile(options.file, options.format, document.shared());
   const bool imported = command->execute();
   if (const auto& log = command->log()) {
     if (options.json) {
@@ -70,12 +62,9 @@ void runImport(const ImportOptions& options) {
       std::cout << log->plainText();
     }
   }
-  const bool cancelled = command->userAborted();
-  command.reset();
-  document->close();
   if (!imported) {
-    throw CommandFailure(cancelled ? "the import was cancelled"
-                                   : "could not import \"" + options.file + "\"");
+    throw CommandFailure(command->userAborted() ? "the import was cancelled"
+                                                : "could not import \"" + options.file + "\"");
   }
 }
 
