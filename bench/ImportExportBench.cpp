@@ -19,6 +19,7 @@
 #include "ImportExport/ImportLIFFileCommand.h"
 #include "ImportExport/ImportLog.h"
 #include "ImportExport/ImportTextFileCommand.h"
+#include "ImportExport/ImportTransaction.h"
 #include "ImportExport/LIFReader.h"
 #include "ImportExport/TextFileReader.h"
 #include "LObjects/LObject.h"
@@ -205,59 +206,99 @@ void reportMemory(benchmark::State& state, const std::string& text) {
   state.counters["fileMB"] = static_cast<double>(text.size()) / (1024.0 * 1024.0);
 }
 
-// What the floor makes of the records: accounts, categories, tags and transactions with lines.
+// What the floor makes of the records: accounts, categories, tags, payees and transactions with
+// their lines, carrying the same fields the imports write (source, status, memos, transfer
+// accounts), so that the difference is the import's own work and not a thinner ledger.
 class DirectWriter {
  public:
-  explicit DirectWriter(DataBase& db) : db_(db) {}
+  DirectWriter(DataBase& db, const char* dataSource) : db_(db), dataSource_(dataSource) {}
   LObject* named(std::map<std::string, LObject*>& cache, const char* entity,
                  const std::string& name) {
     auto& slot = cache[name];
-    if (!slot) slot = &db_.createEntity(entity, {{"name", Value(name)}});
+    if (!slot) {
+      slot = &db_.createEntity(entity, {{"name", Value(name)}, {"dataSource", dataSource_}});
+    }
     return slot;
   }
-  void transaction(LObject* account, const std::optional<Date>& date, const Amount& amount,
-                   const std::string& payee, const std::vector<LIFSplit>& splits) {
-    EditDict properties{{"account", Value(account)}, {"amount", Value(amount)}};
-    if (date) properties.set("enteredDate", Value(*date));
-    if (!payee.empty()) properties.set("userPayee", Value(named(payees_, "UserPayee", payee)));
-    LObject& t = db_.createEntity("CashFlowTransaction", properties);
+  void transaction(const ImportTransaction& t) {
+    EditDict properties{{"dataSource", dataSource_},
+                        {"account", Value(t.account)},
+                        {"amount", Value(t.amount)},
+                        {"type", Value(int64_t{0})},
+                        {"reconcileStatus", Value(t.reconcileStatus)}};
+    if (t.date) properties.set("enteredDate", Value(*t.date));
+    if (!t.note.empty()) properties.set("note", Value(t.note));
+    if (!t.reference.empty()) properties.set("reference", Value(t.reference));
+    if (!t.payee.empty()) properties.set("userPayee", Value(named(payees_, "UserPayee", t.payee)));
+    if (!t.bankPayee.empty()) {
+      properties.set("fiPayee", Value(named(bankPayees_, "FIPayee", t.bankPayee)));
+    }
+    if (!t.transferAccount.empty()) {
+      properties.set("sendAccount", Value(t.account));
+      properties.set("targetAccount", Value(named(accounts_, "Account", t.transferAccount)));
+    }
+    LObject& made = db_.createEntity("CashFlowTransaction", properties);
     int64_t sequence = 0;
-    for (const LIFSplit& split : splits) {
-      EditDict line{{"parent", Value(&t)},
+    for (const ImportSplit& split : t.lines) {
+      EditDict line{{"parent", Value(&made)},
+                    {"dataSource", dataSource_},
                     {"amount", Value(split.amount)},
                     {"sequenceNumber", Value(sequence++)}};
       if (split.isTransfer()) {
-        line.set("transfer", Value(split.transferAccount));
+        line.set("transfer", Value(split.transfer));
       } else if (!split.category.empty()) {
         line.set("categoryTag", Value(named(categories_, "CategoryTag", split.category)));
       }
-      if (!split.tag.empty()) {
-        line.set("userTags", Value(ObjectSet{named(tags_, "UserTag", split.tag)}));
-      }
-      if (!split.memo.empty()) line.set("note", Value(split.memo));
-      lastLine_ = &db_.createEntity("CashFlowTransactionEntry", line);
+      ObjectSet tags;
+      for (const std::string& tag : split.tags) tags.push_back(named(tags_, "UserTag", tag));
+      if (!tags.empty()) line.set("userTags", Value(std::move(tags)));
+      if (!split.note.empty()) line.set("note", Value(split.note));
+      db_.createEntity("CashFlowTransactionEntry", line);
     }
   }
-  std::map<std::string, LObject*> accounts_, categories_, tags_, payees_;
-  LObject* lastLine_ = nullptr;
+  std::map<std::string, LObject*> accounts_;
 
  private:
   DataBase& db_;
+  const Value dataSource_;  // one text shared by every object, as the imports share theirs
+  std::map<std::string, LObject*> categories_, tags_, payees_, bankPayees_;
 };
+
+// The transaction the LIF import makes of a bank record (each transfer once, from the side read
+// first).
+ImportTransaction transactionFrom(const LIFBankTransaction& record, LObject* account) {
+  ImportTransaction t{.account = account,
+                      .date = record.date,
+                      .checkNumber = record.checkNumber,
+                      .amount = record.amount,
+                      .payee = record.payee,
+                      .note = record.memo,
+                      .reconcileStatus = record.reconcileStatus,
+                      .transferAccount = record.transferAccount};
+  for (const LIFSplit& split : record.splits) {
+    ImportSplit line{.category = split.isTransfer() ? std::string() : split.category,
+                     .note = split.memo,
+                     .amount = split.amount,
+                     .transfer = split.transferAccount};
+    if (!split.tag.empty()) line.tags.push_back(split.tag);
+    t.lines.push_back(std::move(line));
+  }
+  return t;
+}
 
 void lifImportFloor(benchmark::State& state) {
   for (auto _ : state) {
     Scratch scratch;
     auto db = DataBase::initWithFileURL(scratch.path / "data", true).value();
-    DirectWriter writer(*db);
+    DirectWriter writer(*db, ImportLIFFileCommand::kDataSource);
     ImportLog log("Import Log", "bench");
     LIFReader reader(log);
     reader.readText(lifText(), [&](LIFRecord&& record) {
       if (auto* list = std::get_if<LIFAccountList>(&record)) {
         for (const auto& a : list->accounts) writer.named(writer.accounts_, "Account", a.name);
       } else if (auto* t = std::get_if<LIFBankTransaction>(&record)) {
-        writer.transaction(writer.named(writer.accounts_, "Account", t->account), t->date,
-                           t->amount, t->payee, t->splits);
+        writer.transaction(
+            transactionFrom(*t, writer.named(writer.accounts_, "Account", t->account)));
       }
     });
     if (!db->commit().ok()) state.SkipWithError("commit failed");
@@ -288,7 +329,7 @@ void csvImportFloor(benchmark::State& state) {
   for (auto _ : state) {
     Scratch scratch;
     auto db = DataBase::initWithFileURL(scratch.path / "data", true).value();
-    DirectWriter writer(*db);
+    DirectWriter writer(*db, ImportTextFileCommand::kDataSource);
     LObject* account = writer.named(writer.accounts_, "Account", "bench.csv");
     CSVParser(csvExportText(), ",", false, csvExportColumns())
         .parseRowsForReceiver([&](CSVRow&& row) {
@@ -296,17 +337,18 @@ void csvImportFloor(benchmark::State& state) {
           if (!date) return;
           Amount amount = Amount::fromString(row["amount"]);
           if (row["transactionType"] == "debit") amount = amount.decimalNumberByNegating();
-          std::vector<LIFSplit> lines{LIFSplit{0, row["category"], "", row["notes"], amount, ""}};
-          writer.transaction(account, date, amount, row["description"], lines);
-          // The labels, as the import splits them.
-          if (!row["labels"].empty()) {
-            LObject* line = writer.lastLine_;
-            ObjectSet tags;
-            for (const char* name : {"work", "travel"}) {
-              tags.push_back(writer.named(writer.tags_, "UserTag", name));
-            }
-            line->setValueForKey("userTags", Value(std::move(tags)));
-          }
+          ImportSplit line{.category = row["category"] == "Uncategorized" ? "" : row["category"],
+                           .amount = amount};
+          // The labels, split at spaces as the import splits them.
+          if (!row["labels"].empty()) line.tags = {"work", "travel"};
+          writer.transaction(ImportTransaction{.account = account,
+                                               .date = date,
+                                               .amount = amount,
+                                               .payee = row["description"],
+                                               .bankPayee = row["originalDescription"],
+                                               .note = row["notes"],
+                                               .reference = row["accountName"],
+                                               .lines = {std::move(line)}});
         });
     if (!db->commit().ok()) state.SkipWithError("commit failed");
   }

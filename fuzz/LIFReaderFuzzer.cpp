@@ -16,7 +16,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   if (size > 64 * 1024) return 0;
   using namespace ledgeon;
   const std::string text =
-      TextFileReader::decode(std::string_view(reinterpret_cast<const char*>(data), size));
+      TextFileReader::decode(std::string(reinterpret_cast<const char*>(data), size));
   const size_t lineCount = TextFileReader::splitLines(text).size();
   ImportLog log("Import Log", "fuzz");
   LIFReaderLookups lookups;

@@ -153,7 +153,7 @@ void ImportLIFFileCommand::applyAccounts(const LIFAccountList& list) {
   setBarText("Creating Accounts");
   for (const LIFAccountRecord& record : list.accounts) {
     if (ledger_->accountNamed(record.name)) continue;
-    EditDict properties{{"dataSource", Value(kDataSource)}, {"name", Value(record.name)}};
+    EditDict properties{{"dataSource", ledger_->dataSource()}, {"name", Value(record.name)}};
     if (!record.accountType.empty()) {
       properties.set("type", Value(ledger_->accountTypeNamed(record.accountType)));
     }
@@ -208,7 +208,7 @@ void ImportLIFFileCommand::applyBankTransaction(const LIFBankTransaction& record
 
 void ImportLIFFileCommand::applyCategory(const LIFCategory& category) {
   setBarText("Importing categories");
-  EditDict properties{{"dataSource", Value(kDataSource)},
+  EditDict properties{{"dataSource", ledger_->dataSource()},
                       {"name", Value(category.name)},
                       {"userDescription", Value(category.description)},
                       {"type", Value(category.type)}};
@@ -221,7 +221,7 @@ void ImportLIFFileCommand::applyCategory(const LIFCategory& category) {
 
 void ImportLIFFileCommand::applyTag(const LIFTag& tag) {
   setBarText("Importing Tags");
-  ledger_->createUserTag({{"dataSource", Value(kDataSource)},
+  ledger_->createUserTag({{"dataSource", ledger_->dataSource()},
                           {"name", Value(tag.name)},
                           {"userDescription", Value(tag.description)}});
 }
@@ -235,7 +235,7 @@ void ImportLIFFileCommand::applySecurity(const LIFSecurity& security) {
         std::make_shared<SetLObjectPropertyCommand>(*existing, std::move(properties), document()));
     return;
   }
-  properties.set("dataSource", Value(kDataSource));
+  properties.set("dataSource", ledger_->dataSource());
   ledger_->createSecurity(std::move(properties));
 }
 
@@ -246,7 +246,7 @@ void ImportLIFFileCommand::applyInvestmentTransaction(const LIFInvestmentTransac
   LObject* security = ledger_->securityNamed(record.security);
   if (!security) {
     security = ledger_->createSecurity(
-        {{"name", Value(record.security)}, {"dataSource", Value(kDataSource)}});
+        {{"name", Value(record.security)}, {"dataSource", ledger_->dataSource()}});
   }
   if (!security) return;
   LObject* position = ledger_->positionFor(*account, *security);
@@ -254,7 +254,7 @@ void ImportLIFFileCommand::applyInvestmentTransaction(const LIFInvestmentTransac
   if (!position) position = ledger_->createPosition(*account, *security);
   if (!position) return;
 
-  EditDict properties{{"dataSource", Value(kDataSource)}, {"account", Value(account)}};
+  EditDict properties{{"dataSource", ledger_->dataSource()}, {"account", Value(account)}};
   if (record.date) properties.set("enteredDate", Value(*record.date));
   properties.set("type", Value(record.type));
   properties.set("units", Value(record.quantity));

@@ -179,7 +179,7 @@ void ImportLIFFileCommand::applyPrices() {
     for (LObject* security : ledger_->securitiesWithTicker(ticker)) {
       // Price history stays when the import is undone: it is not kept with the commands.
       for (const Quote& quote : quotes) {
-        dataBase.createEntity("SecurityQuote", {{"dataSource", Value(kDataSource)},
+        dataBase.createEntity("SecurityQuote", {{"dataSource", ledger_->dataSource()},
                                                 {"security", Value(security)},
                                                 {"closingPrice", Value(quote.price)},
                                                 {"highestPrice", Value(quote.price)},

@@ -146,7 +146,7 @@ LObject* ImportLedger::accountTypeNamed(const std::string& typeName) {
     type = created(std::make_shared<CreateLObjectCommand>(
         wanted.className,
         EditDict{{"name", Value(wanted.name)},
-                 {"dataSource", Value(dataSource_)},
+                 {"dataSource", dataSource_},
                  {"implicitSign", Value(implicitSignFor(entity))}},
         sharedDocument()));
   }
@@ -193,7 +193,7 @@ LObject* ImportLedger::createSecurity(EditDict properties) {
 LObject* ImportLedger::createPosition(LObject& account, LObject& security) {
   LObject* position =
       created(std::make_shared<CreateLObjectCommand>("Position",
-                                                     EditDict{{"dataSource", Value(dataSource_)},
+                                                     EditDict{{"dataSource", dataSource_},
                                                               {"account", Value(&account)},
                                                               {"security", Value(&security)}},
                                                      sharedDocument()));
@@ -214,7 +214,7 @@ LObject* ImportLedger::payeeNamed(const std::string& name, const char* entityNam
   LObject* payee = lookup(cache, entityName, name);
   if (payee || !create) return payee;
   payee = created(std::make_shared<CreateLObjectCommand>(
-      entityName, EditDict{{"name", Value(name)}, {"dataSource", Value(dataSource_)}},
+      entityName, EditDict{{"name", Value(name)}, {"dataSource", dataSource_}},
       sharedDocument()));
   cache[name] = payee;
   return payee;
@@ -228,7 +228,7 @@ EditDict ImportLedger::lineProperties(const ImportSplit& line) {
     LObject* category = categoryNamed(line.category);
     if (!category) {
       category = createCategory({{"name", Value(line.category)},
-                                 {"dataSource", Value(dataSource_)},
+                                 {"dataSource", dataSource_},
                                  {"type", Value(line.amount.isNegative() ? 1 : 2)},
                                  {"editable", Value(true)},
                                  {"userAssignable", Value(true)},
@@ -242,7 +242,7 @@ EditDict ImportLedger::lineProperties(const ImportSplit& line) {
     if (name.empty()) continue;
     LObject* tag = tagNamed(name);
     if (tag && !tag->entity().isKindOf("UserTag")) tag = nullptr;
-    if (!tag) tag = createUserTag({{"name", Value(name)}, {"dataSource", Value(dataSource_)}});
+    if (!tag) tag = createUserTag({{"name", Value(name)}, {"dataSource", dataSource_}});
     if (tag) tags.push_back(tag);
   }
   if (!tags.empty()) properties.set("userTags", Value(std::move(tags)));
@@ -251,7 +251,7 @@ EditDict ImportLedger::lineProperties(const ImportSplit& line) {
 }
 
 LObject* ImportLedger::createCashFlowTransaction(const ImportTransaction& transaction) {
-  EditDict properties{{"dataSource", Value(dataSource_)},
+  EditDict properties{{"dataSource", dataSource_},
                       {"account", Value(transaction.account)},
                       {"amount", Value(transaction.amount)},
                       {"reconcileStatus", Value(transaction.reconcileStatus)}};

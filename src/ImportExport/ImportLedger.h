@@ -27,7 +27,8 @@ class ImportLedger final {
                std::vector<std::shared_ptr<KVCommand>>& keptCommands);
 
   LCommandDocument& document() { return *sharedDocument(); }
-  const std::string& dataSource() const { return dataSource_; }
+  // The source every object of the import is stamped with, one text shared by all of them.
+  const Value& dataSource() const { return dataSource_; }
 
   // Runs `command` inside the import; keeps it when it succeeds.
   bool run(const std::shared_ptr<KVCommand>& command);
@@ -82,7 +83,7 @@ class ImportLedger final {
   // Weak: the ledger lives in an import command, which the document's undo history keeps.
   std::shared_ptr<LCommandDocument> sharedDocument() const { return document_.lock(); }
   std::weak_ptr<LCommandDocument> document_;
-  std::string dataSource_;
+  Value dataSource_;
   std::vector<std::shared_ptr<KVCommand>>& keptCommands_;
   std::map<std::string, LObject*, std::less<>> accounts_;
   std::map<std::string, LObject*, std::less<>> accountTypes_;

@@ -162,30 +162,38 @@ bool ImportTextFileCommand::importFile() {
     if (!text) log.add(ImportLogSeverity::kError, text.error().localizedDescription());
     return false;
   }
-  std::vector<ImportTransaction> transactions;
-  CSVParser(std::move(*text), ",", false, columnNames())
-      .parseRowsForReceiver([&transactions](CSVRow&& row) {
-        if (auto transaction = transactionForRow(row)) {
-          transactions.push_back(std::move(*transaction));
-        }
-      });
+  // Two readings of the rows, one to count them for the progress bar and one to create them, so
+  // that no more than one row's transaction is held at a time.
+  CSVParser parser(std::move(*text), ",", false, columnNames());
+  size_t count = 0;
+  parser.parseRowsForReceiver([&count](CSVRow&& row) {
+    if (transactionForRow(row)) ++count;
+  });
 
   ImportLedger ledger(document(), kDataSource, keptCommands());
   targetAccount_ = createTargetAccount(ledger);
   if (!targetAccount_) return false;
-  startProgress(static_cast<double>(transactions.size()));
-  if (transactions.empty()) return false;
+  startProgress(static_cast<double>(count));
+  if (count == 0) return false;
 
-  const size_t count = transactions.size();
-  for (size_t index = 0; index < count; ++index) {
+  size_t index = 0;
+  bool cancelled = false;
+  parser.parseRowsForReceiver([&](CSVRow&& row) {
+    if (cancelled) return;
+    auto transaction = transactionForRow(row);
+    if (!transaction) return;
     if (Progress* progress = progressDialog()) {
       progress->setBarText(stringWithFormat("Creating transaction %lu of %lu", index + 1, count));
       progress->setValue(static_cast<double>(index));
     }
-    if (index % 10 == 0 && pollCancel()) return false;
-    transactions[index].account = targetAccount_;
-    (void)ledger.createCashFlowTransaction(transactions[index]);
-  }
+    if (index++ % 10 == 0 && pollCancel()) {
+      cancelled = true;
+      return;
+    }
+    transaction->account = targetAccount_;
+    (void)ledger.createCashFlowTransaction(*transaction);
+  });
+  if (cancelled) return false;
   if (Progress* progress = progressDialog()) progress->setBarText("Done");
   const auto created = ledger.transactionsCreated().find(targetAccount_);
   if (created == ledger.transactionsCreated().end()) return false;

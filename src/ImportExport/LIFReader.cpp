@@ -53,14 +53,13 @@ void LIFReader::readText(std::string_view text, const std::function<void(LIFReco
   skippingSection_ = false;
   userAborted_ = false;
   importedInvestments_ = false;
-  const std::vector<std::string_view> lines = TextFileReader::splitLines(text);
-  lines_.reserve(lines.size());
-  for (size_t i = 0; i < lines.size(); ++i) {
-    lines_.push_back({i + 1, lines[i]});
-    if (lines[i].size() > kLongLineLength) {
-      problem(lines_.back(), stringWithFormat("very long line (%lu characters)", lines[i].size()));
+  TextFileReader::forEachLine(text, [this](std::string_view line) {
+    lines_.push_back({lines_.size() + 1, line});
+    if (line.size() > kLongLineLength) {
+      problem(lines_.back(), stringWithFormat("very long line (%lu characters)", line.size()));
     }
-  }
+  });
+  lines_.shrink_to_fit();
   securityPrePass();
   mainPass();
   if (problems_ > kMaximumReportedProblems) {

@@ -5,6 +5,7 @@
 #include <fstream>
 #include <memory>
 #include <system_error>
+#include <utility>
 
 #include <unicode/ucsdet.h>
 #include <unicode/unistr.h>
@@ -56,7 +57,7 @@ Result<std::string> TextFileReader::readFile(const std::filesystem::path& path) 
     return Error::make(kCocoaErrorDomain, 256,
                        "The file \"" + path.filename().string() + "\" could not be read.");
   }
-  return decode(bytes);
+  return decode(std::move(bytes));
 }
 
 std::string TextFileReader::detectEncoding(std::string_view bytes) {
@@ -87,13 +88,14 @@ std::string TextFileReader::detectEncoding(std::string_view bytes) {
   return detected;
 }
 
-std::string TextFileReader::decode(std::string_view bytes) {
+std::string TextFileReader::decode(std::string bytes) {
   const std::string encoding = detectEncoding(bytes);
   if (encoding == "UTF-8") {
-    if (bytes.substr(0, kUTF8ByteOrderMark.size()) == kUTF8ByteOrderMark) {
-      bytes.remove_prefix(kUTF8ByteOrderMark.size());
+    // Kept in place: a decades-long history should not be held twice while it is read.
+    if (std::string_view(bytes).substr(0, kUTF8ByteOrderMark.size()) == kUTF8ByteOrderMark) {
+      bytes.erase(0, kUTF8ByteOrderMark.size());
     }
-    return std::string(bytes);
+    return bytes;
   }
   const auto length = static_cast<int32_t>(std::min<size_t>(bytes.size(), INT32_MAX));
   icu::UnicodeString unicode(bytes.data(), length, encoding.c_str());
@@ -106,6 +108,12 @@ std::string TextFileReader::decode(std::string_view bytes) {
 
 std::vector<std::string_view> TextFileReader::splitLines(std::string_view text) {
   std::vector<std::string_view> lines;
+  forEachLine(text, [&lines](std::string_view line) { lines.push_back(line); });
+  return lines;
+}
+
+void TextFileReader::forEachLine(std::string_view text,
+                                 const std::function<void(std::string_view)>& receiver) {
   size_t start = 0;
   size_t i = 0;
   while (i < text.size()) {
@@ -123,12 +131,11 @@ std::vector<std::string_view> TextFileReader::splitLines(std::string_view text) 
       ++i;
       continue;
     }
-    lines.push_back(text.substr(start, i - start));
+    receiver(text.substr(start, i - start));
     i += terminator;
     start = i;
   }
-  if (start < text.size()) lines.push_back(text.substr(start));
-  return lines;
+  if (start < text.size()) receiver(text.substr(start));
 }
 
 }  // namespace ledgeon

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <filesystem>
+#include <functional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -20,7 +21,7 @@ class TextFileReader final {
   // Bytes of any encoding as UTF-8: valid UTF-8 is kept (its byte order mark dropped), anything
   // else goes through the ICU charset detector and is converted, unmappable bytes becoming
   // U+FFFD. Never fails.
-  static std::string decode(std::string_view bytes);
+  static std::string decode(std::string bytes);
   // The encoding decode() would read `bytes` in ("UTF-8", "UTF-16LE", "windows-1252", ...).
   static std::string detectEncoding(std::string_view bytes);
 
@@ -28,6 +29,9 @@ class TextFileReader final {
   // the lines, and text after the last terminator is a line of its own. The views point into
   // `text`.
   static std::vector<std::string_view> splitLines(std::string_view text);
+  // The same lines handed to `receiver` one by one, without a list of them.
+  static void forEachLine(std::string_view text,
+                          const std::function<void(std::string_view)>& receiver);
 };
 
 }  // namespace ledgeon

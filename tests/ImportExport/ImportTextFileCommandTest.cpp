@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <string>
 #include <vector>
 
@@ -108,6 +109,21 @@ TEST_F(ImportTextFileCommandTest, FileWithoutUsableRowsFailsAndLeavesNoRow) {
   EXPECT_EQ(storeRows(), before);
   ASSERT_EQ(ui_->alertsShown().size(), 1u);
   EXPECT_EQ(ui_->alertsShown()[0].messageText, "Could not import \u201Ctitles.csv\u201D");
+}
+
+TEST_F(ImportTextFileCommandTest, ProgressCountsOnlyTheRowsThatBecomeTransactions) {
+  const std::string usable = "\"1/05/2024\",\"Cafe\",\"\",\"4.50\",\"debit\"\n";
+  const std::string undated = "\"\",\"Cafe\",\"\",\"4.50\",\"debit\"\n";
+  const std::string unpriced = "\"1/05/2024\",\"Cafe\",\"\",\"n/a\",\"debit\"\n";
+  import("mixed.csv", kTitleRow + usable + undated + usable + unpriced + usable);
+  ASSERT_TRUE(imported_);
+  EXPECT_EQ(transactions("mixed.csv").size(), 3u);
+  const auto& events = ui_->progressEvents();
+  EXPECT_NE(std::find(events.begin(), events.end(), "maximum: 3"), events.end());
+  EXPECT_NE(std::find(events.begin(), events.end(), "bar: Creating transaction 3 of 3"),
+            events.end());
+  EXPECT_EQ(std::find(events.begin(), events.end(), "bar: Creating transaction 4 of 3"),
+            events.end());
 }
 
 TEST_F(ImportTextFileCommandTest, CancelTakesBackTheAccountToo) {
