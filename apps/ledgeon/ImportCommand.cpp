@@ -49,10 +49,12 @@ struct ImportOptions {
   std::string file;
   std::string format;
   bool json = false;
+  bool showLogs = false;
 };
 
 void runImport(const ImportOptions& options) {
-  OpenLedger document(options.document, {"OK"});
+  // The question a LIF import ends with: "OK", or "Show Logs" to be shown the log file.
+  OpenLedger document(options.document, {options.showLogs ? "Show Logs" : "OK"});
   auto command = importCommandForFile(options.file, options.format, document.shared());
   const bool imported = command->execute();
   if (const auto& log = command->log()) {
@@ -72,13 +74,16 @@ const SubcommandRegistration registration(620, [](CLI::App& app) {
   auto options = std::make_shared<ImportOptions>();
   auto* import = app.add_subcommand(
       "import",
-      "Import a LIF file or a CSV transaction export into a document, as one undoable "
-      "step, and print the import log");
+      "Import a LIF file (into a document without transactions; clears the undo history) or a "
+      "CSV transaction export (one undoable step), and print the import log");
   import->add_option("document", options->document, "The document package")->required();
   import->add_option("file", options->file, "The file to import")->required();
   import->add_option("--format", options->format, "lif or csv (default: recognised from the file)")
       ->check(CLI::IsMember({"lif", "csv"}));
   import->add_flag("--json", options->json, "Print the import log as a JSON tree");
+  import->add_flag("--show-logs", options->showLogs,
+                   "After a LIF import, show the written log file (its path, and its folder in "
+                   "the file manager on a desktop)");
   import->callback([options] { runImport(*options);
 });
 });

@@ -64,7 +64,8 @@ std::string LedgerShell::helpText() {
   transaction duplicate ID
   transaction delete ID
   transaction list [ACCOUNT] [--json]
-  import FILE [format=lif|csv]     a LIF file or CSV export, as one undoable step; prints the log
+  import FILE [format=lif|csv]     a LIF file (clears the undo history) or a CSV export (one
+                                   undoable step); prints the log
   undo | redo      undo or redo the last change, printing its menu title
   help | quit
 )";

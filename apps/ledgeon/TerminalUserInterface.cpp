@@ -3,10 +3,14 @@
 #include <algorithm>
 #include <cctype>
 #include <cmath>
+#include <csignal>
+#include <cstdlib>
 #include <iostream>
 #include <memory>
 
 #include <fmt/format.h>
+#include <fcntl.h>
+#include <spawn.h>
 #include <termios.h>
 #include <unistd.h>
 
@@ -22,16 +26,31 @@ std::string lowercase(std::string text) {
   return text;
 }
 
-// A bar on stderr, redrawn in place; only when stderr is a terminal.
+volatile std::sig_atomic_t interruptRequested = 0;
+
+extern "C" void noteInterrupt(int /*signal*/) { interruptRequested = 1; }
+
+// A bar on stderr, redrawn in place; only when stderr is a terminal. While it shows, Ctrl-C asks
+// the work to stop, so that it can leave the document as it found it; a second Ctrl-C ends the
+// program at once.
 class TerminalProgress final : public Progress {
  public:
   explicit TerminalProgress(std::string text)
       : text_(std::move(text)), visible_(::isatty(STDERR_FILENO) != 0) {
+    interruptRequested = 0;
+    struct sigaction action {};
+    action.sa_handler = noteInterrupt;
+    sigemptyset(&action.sa_mask);
+    action.sa_flags = static_cast<int>(SA_RESETHAND);
+    sigaction(SIGINT, &action, &previousInterruptAction_);
     draw();
   }
   ~TerminalProgress() override {
+    sigaction(SIGINT, &previousInterruptAction_, nullptr);
     if (visible_) std::cerr << '\n';
   }
+  TerminalProgress(const TerminalProgress&) = delete;
+  TerminalProgress& operator=(const TerminalProgress&) = delete;
   void setText(const std::string& text) override {
     text_ = text;
     draw();
@@ -48,7 +67,7 @@ class TerminalProgress final : public Progress {
     value_ = value;
     draw();
   }
-  bool isCancelled() const override { return false; }
+  bool isCancelled() const override { return interruptRequested != 0; }
 
  private:
   void draw() const {
@@ -66,6 +85,7 @@ class TerminalProgress final : public Progress {
   double maximum_ = 0;
   double value_ = 0;
   bool visible_;
+  struct sigaction previousInterruptAction_ {};
 };
 
 }  // namespace
@@ -146,6 +166,27 @@ std::optional<std::string> TerminalUserInterface::askForPassword(const PasswordP
 
 std::unique_ptr<Progress> TerminalUserInterface::beginProgress(const std::string& text) {
   return std::make_unique<TerminalProgress>(text);
+}
+
+void TerminalUserInterface::revealInFileManager(const std::filesystem::path& file) {
+  std::cerr << file.string() << '\n';
+  // A file manager only makes sense to someone at a desktop; scripts and remote shells get the
+  // path alone.
+  const bool desktop = std::getenv("DISPLAY") != nullptr || std::getenv("WAYLAND_DISPLAY") != nullptr;
+  if (!desktop || ::isatty(STDIN_FILENO) == 0) return;
+  const std::string folder = file.parent_path().string();
+  posix_spawn_file_actions_t actions;
+  posix_spawn_file_actions_init(&actions);
+  posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, "/dev/null", O_WRONLY, 0);
+  posix_spawn_file_actions_addopen(&actions, STDERR_FILENO, "/dev/null", O_WRONLY, 0);
+  std::string program = "xdg-open";
+  char* const arguments[] = {program.data(), const_cast<char*>(folder.c_str()), nullptr};
+  pid_t child = 0;
+  // Not waited for: the file manager outlives this program.
+  if (posix_spawnp(&child, "xdg-open", &actions, nullptr, arguments, environ) != 0) {
+    std::cerr << "(no file manager could be opened)\n";
+  }
+  posix_spawn_file_actions_destroy(&actions);
 }
 
 }  // namespace ledgeon::cli

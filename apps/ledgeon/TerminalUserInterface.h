@@ -19,6 +19,8 @@ class TerminalUserInterface final : public UserInterface {
   AlertResponse runAlert(const Alert& alert) override;
   std::optional<std::string> askForPassword(const PasswordPrompt& prompt) override;
   std::unique_ptr<Progress> beginProgress(const std::string& text) override;
+  // Prints the file's path; on a desktop, with a person at the terminal, also opens its folder.
+  void revealInFileManager(const std::filesystem::path& file) override;
 
  private:
   std::deque<std::string> presetAnswers_;

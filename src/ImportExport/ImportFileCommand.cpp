@@ -14,6 +14,7 @@ ImportFileCommand::ImportFileCommand(std::filesystem::path file,
                                      std::shared_ptr<LCommandDocument> document)
     : KVCommand(std::move(document)), file_(std::move(file)) {
   // One undo step for the whole file, so a user can take back an import that went wrong.
+  // An import that builds a whole ledger says otherwise (ImportLIFFileCommand).
   setUndoBehavior(kUndoBehaviorUndoable);
   setCommandTag(kMainMenuTagImport);
   setFileURL(file_.string());

@@ -34,7 +34,11 @@ ImportSplit importSplit(const LIFSplit& split) {
 
 ImportLIFFileCommand::ImportLIFFileCommand(std::filesystem::path file,
                                            std::shared_ptr<LCommandDocument> document)
-    : ImportFileCommand(std::move(file), std::move(document)) {}
+    : ImportFileCommand(std::move(file), std::move(document)) {
+  // A whole history arriving at once in an empty document is not an edit to step back from:
+  // success clears the undo history instead of joining it.
+  setUndoBehavior(kUndoBehaviorClearsHistory);
+}
 
 std::string ImportLIFFileCommand::failureInformativeText() const {
   return stringWithFormat("%@ can only import lif files into empty documents.", kApplicationName);

@@ -28,7 +28,8 @@ struct TransferTransactionPending {
 // Imports a LIF interchange file into a document that holds no transactions yet: accounts,
 // categories, tags, securities, prices, bank-style and investment transactions, each made by an
 // ordinary creation command stamped "LIFIMPORT". A file lists each transfer in both accounts;
-// exactly one copy is kept. Prices are applied at the end and are not taken back by an undo.
+// exactly one copy is kept. Success clears the undo history; undoit and redoit still take the
+// whole import back and forth, except the prices, which are applied at the end and stay.
 // Main thread only.
 class ImportLIFFileCommand final : public ImportFileCommand {
  public:

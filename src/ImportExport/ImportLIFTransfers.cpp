@@ -216,11 +216,13 @@ void ImportLIFFileCommand::writeLogsAndReport() {
       ImportUtilities::writeLIFImportLogs(importLog(), file(), package, logs, Clock::now());
   logFile_ = written ? *written : file();
   if (!written) importLog().add(ImportLogSeverity::kError, written.error().localizedDescription());
-  Services::shared().userInterface().runAlert(
+  UserInterface& userInterface = Services::shared().userInterface();
+  const AlertResponse response = userInterface.runAlert(
       {stringWithFormat(LocalizedString("Import_SuccessMessageFormat"), file().filename().string()),
        stringWithFormat(LocalizedString("Import_ImportSuccessFormat"), transactionsCreated_),
        {"OK", "Show Logs"},
        std::nullopt});
+  if (response.buttonIndex == 1) userInterface.revealInFileManager(logFile_);
 }
 
 }  // namespace ledgeon

@@ -25,11 +25,15 @@ class ScriptedUserInterface final : public UserInterface {
   AlertResponse runAlert(const Alert& alert) override;
   std::optional<std::string> askForPassword(const PasswordPrompt& prompt) override;
   std::unique_ptr<Progress> beginProgress(const std::string& text) override;
+  void revealInFileManager(const std::filesystem::path& file) override {
+    revealedFiles_.push_back(file);
+  }
 
   const std::vector<Alert>& alertsShown() const { return alertsShown_; }
   const std::vector<PasswordPrompt>& passwordPromptsShown() const { return promptsShown_; }
   // "text: ...", "bar: ...", "maximum: ...", "value: ..." lines in the order they happened.
   const std::vector<std::string>& progressEvents() const { return progressEvents_; }
+  const std::vector<std::filesystem::path>& revealedFiles() const { return revealedFiles_; }
 
  private:
   friend class ScriptedProgress;
@@ -38,6 +42,7 @@ class ScriptedUserInterface final : public UserInterface {
   std::vector<Alert> alertsShown_;
   std::vector<PasswordPrompt> promptsShown_;
   std::vector<std::string> progressEvents_;
+  std::vector<std::filesystem::path> revealedFiles_;
   int cancelAfterUpdates_ = -1;
 };
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <filesystem>
 #include <memory>
 #include <optional>
 #include <string>
@@ -51,6 +52,8 @@ class UserInterface {
   // The entered password, or nothing when the user cancelled.
   virtual std::optional<std::string> askForPassword(const PasswordPrompt& prompt) = 0;
   virtual std::unique_ptr<Progress> beginProgress(const std::string& text) = 0;
+  // Shows the user where `file` is, in the file manager where there is one.
+  virtual void revealInFileManager(const std::filesystem::path& file) = 0;
 };
 
 }  // namespace ledgeon

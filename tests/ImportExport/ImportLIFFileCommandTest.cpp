@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include "Commands/CreateLObjectCommand.h"
 #include "ImportExport/ImportLIFFileCommand.h"
 #include "ImportTestLedger.h"
 
@@ -222,22 +223,28 @@ TEST_F(ImportLIFFileCommandTest, PricesAreAppliedAtTheEndAndOutliveAnUndo) {
   EXPECT_EQ(quote->amountForKey("closingPrice").stringValue(), "12.5");
   EXPECT_EQ(quote->objectForKey("security"), security);
 
-  document_->undoManager().undo();
+  command->undoit();
   EXPECT_EQ(count("Account"), 0u);
   EXPECT_EQ(count("SecurityQuote"), 1u);
 }
 
-TEST_F(ImportLIFFileCommandTest, UndoAndRedoTakeTheWholeImportAsOneStep) {
+TEST_F(ImportLIFFileCommandTest, SuccessClearsTheUndoHistoryAndTheImportStillUndoesAsOneStep) {
+  auto tag = std::make_shared<CreateLObjectCommand>(
+      "UserTag", EditDict{{"name", Value("before the import")}}, document_);
+  ASSERT_TRUE(tag->execute());
+  ASSERT_TRUE(document_->undoManager().canUndo());
   auto command = import(kAccounts + section("Checking", "Bank", "D1/15/24\nT-20\nPCafe\n^\n"));
   ASSERT_TRUE(imported_);
-  ASSERT_TRUE(document_->undoManager().canUndo());
-  EXPECT_EQ(document_->undoManager().undoActionName(), "Import");
+  EXPECT_FALSE(document_->undoManager().canUndo());
+  EXPECT_FALSE(document_->undoManager().canRedo());
+
   const int commits = document_->commits();
-  document_->undoManager().undo();
+  command->undoit();
   EXPECT_EQ(count("Transaction"), 0u);
   EXPECT_EQ(count("Account"), 0u);
+  EXPECT_EQ(count("UserTag"), 1u);
   EXPECT_EQ(document_->commits(), commits + 1);
-  document_->undoManager().redo();
+  command->redoit();
   EXPECT_EQ(amounts("Checking"), (std::vector<std::string>{"2024-01-15 -20"}));
   EXPECT_EQ(count("Account"), 4u);
 }
@@ -256,6 +263,20 @@ TEST_F(ImportLIFFileCommandTest, SuccessWritesBothLogsAndSaysSo) {
   ASSERT_EQ(ui_->alertsShown().size(), 1u);
   EXPECT_EQ(ui_->alertsShown()[0].messageText, "Imported \u201Cfamily.lif\u201D");
   EXPECT_EQ(ui_->alertsShown()[0].buttons, (std::vector<std::string>{"OK", "Show Logs"}));
+}
+
+TEST_F(ImportLIFFileCommandTest, ShowLogsRevealsTheWrittenLogFile) {
+  const std::string file = kAccounts + section("Checking", "Bank", "D1/15/24\nT-20\n^\n");
+  ui_->addAlertAnswer({"OK"});
+  auto first = import(file);
+  ASSERT_TRUE(imported_);
+  EXPECT_TRUE(ui_->revealedFiles().empty());
+  first->undoit();
+  ui_->addAlertAnswer({"Show Logs"});
+  auto second = import(file, "again.lif");
+  ASSERT_TRUE(imported_);
+  EXPECT_EQ(ui_->revealedFiles(), std::vector<std::filesystem::path>{second->logFile()});
+  EXPECT_TRUE(std::filesystem::exists(ui_->revealedFiles().front()));
 }
 
 TEST_F(ImportLIFFileCommandTest, DocumentWithTransactionsIsRefusedAndLeftAlone) {

@@ -1,6 +1,11 @@
+#include <csignal>
+#include <cstdint>
+#include <fstream>
 #include <string>
+#include <thread>
 
 #include <gtest/gtest.h>
+#include <sys/types.h>
 #include <nlohmann/json.hpp>
 
 #include "support/TestSupport.h"
@@ -41,18 +46,63 @@ TEST(ImportCommand, ImportsIntoAnEmptyDocumentOnceAndPrintsTheLog) {
   EXPECT_EQ(log["children"].back()["text"], "transactions.csv - 7 transactions\n");
 }
 
-TEST(ImportCommand, ShellImportIsOneUndoableStep) {
+TEST(ImportCommand, InTheShellACSVImportIsOneUndoableStepAndALIFImportClearsTheHistory) {
   testing::TempFolder home;
   const std::string document = (home / "Family.ledgeon").string();
   ASSERT_EQ(testing::runCli({"new", document}, home.path()).exitStatus, 0);
-  const auto shell =
+  const auto csv =
       testing::runCli({"shell", document}, home.path(),
-                      "import " + demoFile("household.lif") + "\nundo\nredo\nundo\n");
-  ASSERT_EQ(shell.exitStatus, 0) << shell.err;
-  EXPECT_NE(shell.out.find("Everyday Checking - 5 transactions\n"), std::string::npos);
-  EXPECT_NE(shell.out.find("Undo Import"), std::string::npos) << shell.out;
-  EXPECT_NE(shell.out.find("Redo Import"), std::string::npos) << shell.out;
-  // Undone last: the document is empty again, so the file can be imported once more.
+                      "import " + demoFile("transactions.csv") + "\nundo\nredo\nundo\n");
+  ASSERT_EQ(csv.exitStatus, 0) << csv.err;
+  EXPECT_NE(csv.out.find("Undo Import"), std::string::npos) << csv.out;
+  EXPECT_NE(csv.out.find("Redo Import"), std::string::npos) << csv.out;
+  // Undone last, account included: importing again makes the account under the file's own name.
+  const auto again =
+      testing::runCli({"import", document, demoFile("transactions.csv"), "--json"}, home.path());
+  ASSERT_EQ(again.exitStatus, 0) << again.err;
+  EXPECT_EQ(nlohmann::json::parse(again.out)["children"].back()["text"],
+            "transactions.csv - 7 transactions\n");
+
+  const std::string empty = (home / "Empty.ledgeon").string();
+  ASSERT_EQ(testing::runCli({"new", empty}, home.path()).exitStatus, 0);
+  const auto lif = testing::runCli({"shell", empty}, home.path(),
+                                   "import " + demoFile("household.lif") + "\nundo\n");
+  EXPECT_EQ(lif.exitStatus, 1);
+  EXPECT_NE(lif.out.find("Everyday Checking - 5 transactions\n"), std::string::npos);
+  EXPECT_NE(lif.err.find("line 2: nothing to undo"), std::string::npos) << lif.err;
+}
+
+// Whether process `pid` has its own handler for SIGINT (the SigCgt mask of /proc/PID/status).
+bool catchesInterrupt(int pid) {
+  std::ifstream status("/proc/" + std::to_string(pid) + "/status");
+  for (std::string line; std::getline(status, line);) {
+    if (line.rfind("SigCgt:", 0) != 0) continue;
+    return ((std::stoull(line.substr(7), nullptr, 16) >> (SIGINT - 1)) & 1U) != 0;
+  }
+  return false;
+}
+
+TEST(ImportCommand, CtrlCCancelsAnImportAndLeavesTheDocumentAsItWas) {
+  testing::TempFolder home;
+  const std::string document = (home / "Family.ledgeon").string();
+  ASSERT_EQ(testing::runCli({"new", document}, home.path()).exitStatus, 0);
+  const auto accountsBefore = testing::runCli({"accounts", document, "--json"}, home.path());
+  std::string text = "!Account\nNChecking\nTBank\n^\n!Type:Bank\n";
+  for (int i = 0; i < 5000; ++i) text += "D1/15/24\nT-1.25\nPShop\nLFood\n^\n";
+  const auto file = home / "long.lif";
+  std::ofstream(file) << text;
+
+  testing::BackgroundCli import({"import", document, file.string()}, home.path());
+  // Ctrl-C is the user's once the import's progress shows.
+  for (int wait = 0; wait < 60000 && !catchesInterrupt(import.pid()); ++wait) {
+    std::this_thread::sleep_for(std::chrono::milliseconds(1));
+  }
+  ASSERT_TRUE(catchesInterrupt(import.pid()));
+  ASSERT_EQ(kill(import.pid(), SIGINT), 0);
+  EXPECT_EQ(import.finish(), 1);  // a failure it reported, not death by the signal
+
+  EXPECT_EQ(testing::runCli({"accounts", document, "--json"}, home.path()).out,
+            accountsBefore.out);
   const auto again = testing::runCli({"import", document, demoFile("household.lif")}, home.path());
   EXPECT_EQ(again.exitStatus, 0) << again.err;
 }
