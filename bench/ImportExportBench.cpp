@@ -11,7 +11,7 @@
 
 #include <benchmark/benchmark.h>
 #include <fmt/format.h>
-#include <sys/resource.h>
+#include <malloc.h>
 
 #include "Commands/LCommandManager.h"
 #include "DataBase/DataBase.h"
@@ -199,10 +199,24 @@ const std::vector<std::string>& csvExportColumns() {
   return names;
 }
 
+// The process's resident high-water mark is reset at the start of each import benchmark (with
+// freed memory given back first), so that its peak is its own even when the benchmarks share one
+// process.
+void resetPeakMemory() {
+  malloc_trim(0);
+  std::ofstream("/proc/self/clear_refs") << "5";
+}
+
+double peakMemoryMB() {
+  std::ifstream status("/proc/self/status");
+  for (std::string line; std::getline(status, line);) {
+    if (line.rfind("VmHWM:", 0) == 0) return std::stod(line.substr(6)) / 1024.0;  // in kB
+  }
+  return 0;
+}
+
 void reportMemory(benchmark::State& state, const std::string& text) {
-  rusage usage{};
-  getrusage(RUSAGE_SELF, &usage);
-  state.counters["peakMB"] = static_cast<double>(usage.ru_maxrss) / 1024.0;
+  state.counters["peakMB"] = peakMemoryMB();
   state.counters["fileMB"] = static_cast<double>(text.size()) / (1024.0 * 1024.0);
 }
 
@@ -287,6 +301,8 @@ ImportTransaction transactionFrom(const LIFBankTransaction& record, LObject* acc
 }
 
 void lifImportFloor(benchmark::State& state) {
+  (void)lifText();  // made before the peak is reset: the floor holds it too
+  resetPeakMemory();
   for (auto _ : state) {
     Scratch scratch;
     auto db = DataBase::initWithFileURL(scratch.path / "data", true).value();
@@ -308,6 +324,8 @@ void lifImportFloor(benchmark::State& state) {
 BENCHMARK(lifImportFloor)->Name("LIFImport/floor")->Unit(benchmark::kMillisecond)->Iterations(1);
 
 void lifImportCommand(benchmark::State& state) {
+  (void)lifText();  // made before the peak is reset: the floor holds it too
+  resetPeakMemory();
   Services::shared().setUserInterface(std::make_shared<ScriptedUserInterface>());
   for (auto _ : state) {
     Scratch scratch;
@@ -326,6 +344,8 @@ BENCHMARK(lifImportCommand)
     ->Iterations(1);
 
 void csvImportFloor(benchmark::State& state) {
+  (void)csvExportText();  // made before the peak is reset: the floor holds it too
+  resetPeakMemory();
   for (auto _ : state) {
     Scratch scratch;
     auto db = DataBase::initWithFileURL(scratch.path / "data", true).value();
@@ -357,6 +377,8 @@ void csvImportFloor(benchmark::State& state) {
 BENCHMARK(csvImportFloor)->Name("CSVImport/floor")->Unit(benchmark::kMillisecond)->Iterations(1);
 
 void csvImportCommand(benchmark::State& state) {
+  (void)csvExportText();  // made before the peak is reset: the floor holds it too
+  resetPeakMemory();
   Services::shared().setUserInterface(std::make_shared<ScriptedUserInterface>());
   for (auto _ : state) {
     Scratch scratch;

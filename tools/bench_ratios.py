@@ -4,7 +4,8 @@ to the floor of its group (the benchmark named "<Group>/floor", with the same ar
 benchmark takes some: "<Group>/floor/1000" is the floor of "<Group>/model/1000"), by wall-clock
 time and by CPU
 time. On a shared machine the CPU-time ratio is the steadier one: a benchmark descheduled for a
-while loses wall-clock time but no CPU time."""
+while loses wall-clock time but no CPU time. Benchmarks that report "peakMB" and "fileMB" also get
+their peak memory above their floor's, as a multiple of the input file's size."""
 import json
 import sys
 
@@ -30,3 +31,10 @@ for b in rows:
         ratio = f"{b[key] / floor[key]:7.2f}x" if floor else "       -"
         cells.append(f"{b[key]:12.2f} {b['time_unit']:<3} {ratio}")
     print(f"{b['name']:<40} {' '.join(cells)}")
+for b in rows:
+    floor = floors.get(floor_key(b["name"]))
+    if not floor or floor is b or "peakMB" not in b or "peakMB" not in floor or not b.get("fileMB"):
+        continue
+    above = b["peakMB"] - floor["peakMB"]
+    print(f"{b['name']:<40} peak {b['peakMB']:.1f} MB, floor {floor['peakMB']:.1f} MB: "
+          f"{above:+.1f} MB = {above / b['fileMB']:.2f}x the {b['fileMB']:.1f} MB file")
