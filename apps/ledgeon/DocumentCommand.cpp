@@ -104,6 +104,9 @@ void printInfo(const nlohmann::json& info) {
     std::cout << "Last backup:    " << info["lastBackup"]["dateCreated"].get<std::string>() << "  "
               << info["lastBackup"]["path"].get<std::string>() << '\n';
   }
+  if (info["securityDataUpdateDue"].get<bool>()) {
+    std::cout << "Security prices: due for an update (investments were imported)\n";
+  }
   std::cout << "Objects:\n";
   for (const auto& [entity, count] : info["counts"].items()) {
     std::cout << "  " << entity << ": " << count.get<size_t>() << '\n';
@@ -126,7 +129,8 @@ void documentInfo(const DocumentOptions& options) {
                                {"clientDocumentId", document->clientDocumentId()},
                                {"lockHolders", holders},
                                {"counts", counts},
-                               {"lastBackup", lastBackup(*document, path)}};
+                               {"lastBackup", lastBackup(*document, path)},
+                               {"securityDataUpdateDue", document->securityDataUpdateDue()}};
   if (options.json) {
     std::cout << info.dump(2) << std::endl;
   } else {

@@ -2,9 +2,12 @@
 
 #include "Commands/KVCommand.h"
 #include "Commands/LCommandManager.h"
+#include "DataBase/DataBase.h"
 
 namespace ledgeon {
 namespace {
+
+constexpr std::string_view kSecurityDataUpdateDue = "securityDataUpdateDue";
 
 std::weak_ptr<LCommandDocument>& currentDocumentSlot() {
   static std::weak_ptr<LCommandDocument> current;
@@ -12,6 +15,15 @@ std::weak_ptr<LCommandDocument>& currentDocumentSlot() {
 }
 
 }  // namespace
+
+void LCommandDocument::noteShouldUpdateSecurityDataAfterImporting() {
+  dataBase().setValueForDocumentProperty(Value("1"), kSecurityDataUpdateDue);
+}
+
+bool LCommandDocument::securityDataUpdateDue() {
+  const Value due = dataBase().valueForDocumentPropertyNamed(kSecurityDataUpdateDue);
+  return due.kind() == Value::Kind::String && due.asString() == "1";
+}
 
 bool LCommandDocument::executeCommand(const std::shared_ptr<KVCommand>& command) {
   if (auto* manager = commandManager()) return manager->executeCommand(command);

@@ -29,6 +29,12 @@ class LCommandDocument {
   // A command that changes what the user would save has succeeded.
   virtual void commandDirtiedDocument() = 0;
 
+  // Investments arrived from outside (an import): their securities' prices are due for an
+  // update. Kept in the document, so that whatever brings prices up to date next learns of it,
+  // even after a reopen.
+  void noteShouldUpdateSecurityDataAfterImporting();
+  bool securityDataUpdateDue();
+
   // Runs a command through this document's command manager (directly when there is none).
   bool executeCommand(const std::shared_ptr<KVCommand>& command);
 

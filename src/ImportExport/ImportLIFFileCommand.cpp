@@ -97,7 +97,7 @@ bool ImportLIFFileCommand::importFile() {
     setUserAborted();
     return false;
   }
-  finishImport(reader.accountsWithStockSplits());
+  finishImport(reader.accountsWithStockSplits(), reader.importedInvestments());
   return true;
 }
 

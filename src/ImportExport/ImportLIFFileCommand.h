@@ -93,7 +93,8 @@ class ImportLIFFileCommand final : public ImportFileCommand {
   bool readerProgress(size_t index, size_t count, std::string_view line);
   void removePending(TransferTransactionPending* pending);
 
-  void finishImport(const std::map<std::string, size_t>& accountsWithStockSplits);
+  void finishImport(const std::map<std::string, size_t>& accountsWithStockSplits,
+                    bool importedInvestments);
   void createPendingTransfers();
   // Each security's price history, and its latest price and quote date.
   void applyPrices();

@@ -131,9 +131,10 @@ bool ImportLIFFileCommand::useThisSplitTransaction(ImportTransaction& transactio
 }
 
 void ImportLIFFileCommand::finishImport(
-    const std::map<std::string, size_t>& accountsWithStockSplits) {
+    const std::map<std::string, size_t>& accountsWithStockSplits, bool importedInvestments) {
   createPendingTransfers();
   applyPrices();
+  if (importedInvestments) requireDocument().noteShouldUpdateSecurityDataAfterImporting();
   ImportLog& log = importLog();
   logAccountBalanceDifferences(log.root());
   if (!accountsWithStockSplits.empty()) {

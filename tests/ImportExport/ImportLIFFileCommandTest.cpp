@@ -151,6 +151,7 @@ TEST_F(ImportLIFFileCommandTest, InvestmentActionsSplitsBondsAndTransfers) {
               "D7/01/24\nNBuy\nYAcme Corp\nI10\nQ10\nT0\nL[Checking]\n$-100\n^\n"
               "D7/02/24\nNFrobnicate\nYAcme Corp\n^\n"));
   ASSERT_TRUE(imported_);
+  EXPECT_TRUE(document_->securityDataUpdateDue());  // prices of what was bought are wanted
   struct Case {
     const char* date;
     int64_t type;
@@ -222,6 +223,7 @@ TEST_F(ImportLIFFileCommandTest, PricesAreAppliedAtTheEndAndOutliveAnUndo) {
   EXPECT_EQ(day(*quote, "quoteDate"), "2003-01-02");
   EXPECT_EQ(quote->amountForKey("closingPrice").stringValue(), "12.5");
   EXPECT_EQ(quote->objectForKey("security"), security);
+  EXPECT_FALSE(document_->securityDataUpdateDue());  // no investment section was read
 
   command->undoit();
   EXPECT_EQ(count("Account"), 0u);

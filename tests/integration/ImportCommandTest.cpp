@@ -29,6 +29,10 @@ TEST(ImportCommand, ImportsIntoAnEmptyDocumentOnceAndPrintsTheLog) {
       << imported.out;
   EXPECT_NE(imported.out.find("Cash balance doesn't match for account Everyday Checking."),
             std::string::npos);
+  // The file has a brokerage account: its securities' prices are now due for an update.
+  const auto info = testing::runCli({"info", document, "--json"}, home.path());
+  ASSERT_EQ(info.exitStatus, 0) << info.err;
+  EXPECT_EQ(nlohmann::json::parse(info.out)["securityDataUpdateDue"], true);
 
   // The document now holds transactions: a second LIF import is refused.
   const auto again =
