@@ -8,8 +8,8 @@
 #include <iostream>
 #include <memory>
 
-#include <fmt/format.h>
 #include <fcntl.h>
+#include <fmt/format.h>
 #include <spawn.h>
 #include <termios.h>
 #include <unistd.h>
@@ -172,7 +172,8 @@ void TerminalUserInterface::revealInFileManager(const std::filesystem::path& fil
   std::cerr << file.string() << '\n';
   // A file manager only makes sense to someone at a desktop; scripts and remote shells get the
   // path alone.
-  const bool desktop = std::getenv("DISPLAY") != nullptr || std::getenv("WAYLAND_DISPLAY") != nullptr;
+  const bool desktop =
+      std::getenv("DISPLAY") != nullptr || std::getenv("WAYLAND_DISPLAY") != nullptr;
   if (!desktop || ::isatty(STDIN_FILENO) == 0) return;
   const std::string folder = file.parent_path().string();
   posix_spawn_file_actions_t actions;

@@ -214,8 +214,7 @@ LObject* ImportLedger::payeeNamed(const std::string& name, const char* entityNam
   LObject* payee = lookup(cache, entityName, name);
   if (payee || !create) return payee;
   payee = created(std::make_shared<CreateLObjectCommand>(
-      entityName, EditDict{{"name", Value(name)}, {"dataSource", dataSource_}},
-      sharedDocument()));
+      entityName, EditDict{{"name", Value(name)}, {"dataSource", dataSource_}}, sharedDocument()));
   cache[name] = payee;
   return payee;
 }

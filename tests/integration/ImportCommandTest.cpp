@@ -5,8 +5,8 @@
 #include <thread>
 
 #include <gtest/gtest.h>
-#include <sys/types.h>
 #include <nlohmann/json.hpp>
+#include <sys/types.h>
 
 #include "support/TestSupport.h"
 
@@ -105,8 +105,7 @@ TEST(ImportCommand, CtrlCCancelsAnImportAndLeavesTheDocumentAsItWas) {
   ASSERT_EQ(kill(import.pid(), SIGINT), 0);
   EXPECT_EQ(import.finish(), 1);  // a failure it reported, not death by the signal
 
-  EXPECT_EQ(testing::runCli({"accounts", document, "--json"}, home.path()).out,
-            accountsBefore.out);
+  EXPECT_EQ(testing::runCli({"accounts", document, "--json"}, home.path()).out, accountsBefore.out);
   const auto again = testing::runCli({"import", document, demoFile("household.lif")}, home.path());
   EXPECT_EQ(again.exitStatus, 0) << again.err;
 }
