@@ -98,7 +98,8 @@ Amount ImportTextFileCommand::amountFromText(const std::string& text) {
   return kept.empty() ? Amount::notANumber() : Amount::fromString(kept);
 }
 
-std::optional<ImportTransaction> ImportTextFileCommand::transactionForRow(const CSVRow& row) {
+std::optional<std::pair<Date, Amount>> ImportTextFileCommand::dateAndAmountForRow(
+    const CSVRow& row) {
   const std::string dateText = trimmed(field(row, "date"));
   if (dateText.empty()) return std::nullopt;
   const auto written = LDateUtilities::dateFromMonthDayYearString(dateText);
@@ -109,11 +110,18 @@ std::optional<ImportTransaction> ImportTextFileCommand::transactionForRow(const 
   if (amount.isNaN()) return std::nullopt;
   amount = amount.abs();
   if (field(row, "transactionType") == "debit") amount = amount.decimalNumberByNegating();
+  return std::pair{*date, amount};
+}
+
+std::optional<ImportTransaction> ImportTextFileCommand::transactionForRow(const CSVRow& row) {
+  const auto dateAndAmount = dateAndAmountForRow(row);
+  if (!dateAndAmount) return std::nullopt;
+  const auto& [date, amount] = *dateAndAmount;
   std::string category = field(row, "category");
   if (isUncategorized(category)) category.clear();
 
   ImportTransaction transaction;
-  transaction.date = *date;
+  transaction.date = date;
   transaction.amount = amount;
   transaction.payee = field(row, "description");
   transaction.bankPayee = field(row, "originalDescription");
@@ -133,7 +141,7 @@ LObject* ImportTextFileCommand::createTargetAccount(ImportLedger& ledger) {
   for (long suffix = 2; ledger.accountNamed(name); ++suffix) {
     name = stringWithFormat("%@ %ld", base, suffix);
   }
-  EditDict properties{{"dataSource", Value(kDataSource)},
+  EditDict properties{{"dataSource", ledger.dataSource()},
                       {"name", Value(name)},
                       {"type", Value(ledger.accountTypeNamed(kAccountType))},
                       {"currency", Value(kDefaultCurrencyCode)},
@@ -167,7 +175,7 @@ bool ImportTextFileCommand::importFile() {
   CSVParser parser(std::move(*text), ",", false, columnNames());
   size_t count = 0;
   parser.parseRowsForReceiver([&count](CSVRow&& row) {
-    if (transactionForRow(row)) ++count;
+    if (dateAndAmountForRow(row)) ++count;
   });
 
   ImportLedger ledger(document(), kDataSource, keptCommands());

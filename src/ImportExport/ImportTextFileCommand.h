@@ -4,6 +4,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <utility>
 
 #include "ImportExport/CSVParser.h"
 #include "ImportExport/ImportFileCommand.h"
@@ -31,6 +32,9 @@ class ImportTextFileCommand final : public ImportFileCommand {
 
   // The transaction a row stands for; std::nullopt for a row to leave out.
   static std::optional<ImportTransaction> transactionForRow(const CSVRow& row);
+  // The row's date (century adjusted) and signed amount: what decides whether it makes a
+  // transaction at all.
+  static std::optional<std::pair<Date, Amount>> dateAndAmountForRow(const CSVRow& row);
   // Only the characters a decimal number can hold, read as a decimal; NaN when none.
   static Amount amountFromText(const std::string& text);
 
