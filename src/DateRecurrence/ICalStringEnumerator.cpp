@@ -12,21 +12,24 @@ std::unique_ptr<ICalStringEnumerator> ICalStringEnumerator::initWithICalString(
     bool ignoreInterval) {
   const Date start = startDate ? *startDate : LDateUtilities::currentDate();
   auto rule = recurrence::parseRecurrence(recurrence::trimmedRecurrenceText(icalString));
-  if (!rule || rule->freq < ICAL_DAILY_RECURRENCE) return nullptr;
-  if (ignoreInterval) rule->interval = 1;
+  if (!rule || rule->rule().freq < ICAL_DAILY_RECURRENCE) return nullptr;
+  if (ignoreInterval) rule->setInterval(1);
   const auto dtstart = recurrence::icalDateFromDate(start);
   if (!dtstart) return nullptr;
-  icalrecur_iterator* iterator = icalrecur_iterator_new(*rule, *dtstart);
+  icalrecur_iterator* iterator = icalrecur_iterator_new(rule->rule(), *dtstart);
   if (!iterator) return nullptr;
-  std::unique_ptr<ICalStringEnumerator> enumerator(
-      new ICalStringEnumerator(iterator, maximumCount));
+  std::unique_ptr<ICalStringEnumerator> enumerator(new ICalStringEnumerator(
+      iterator, std::make_unique<recurrence::ParsedRecurrence>(std::move(*rule)), maximumCount));
   enumerator->fetchNext();
   return enumerator;
 }
 
-ICalStringEnumerator::ICalStringEnumerator(icalrecur_iterator_impl* iterator, uint64_t maximumCount)
-    : iterator_(iterator), maximumCount_(maximumCount) {}
+ICalStringEnumerator::ICalStringEnumerator(icalrecur_iterator_impl* iterator,
+                                           std::unique_ptr<recurrence::ParsedRecurrence> rule,
+                                           uint64_t maximumCount)
+    : iterator_(iterator), rule_(std::move(rule)), maximumCount_(maximumCount) {}
 
+// The iterator goes first: it holds the rule's pointers, which rule_ frees after this body.
 ICalStringEnumerator::~ICalStringEnumerator() { icalrecur_iterator_free(iterator_); }
 
 void ICalStringEnumerator::fetchNext() {

@@ -12,6 +12,10 @@ struct icalrecur_iterator_impl;
 
 namespace ledgeon {
 
+namespace recurrence {
+class ParsedRecurrence;
+}
+
 // The occurrence dates of one iCalendar recurrence pattern, in ascending order, one at a time,
 // produced by libical's recurrence iterator from a start date. Single-threaded.
 class ICalStringEnumerator final {
@@ -35,10 +39,12 @@ class ICalStringEnumerator final {
   std::optional<Date> nextObject();
 
  private:
-  ICalStringEnumerator(icalrecur_iterator_impl* iterator, uint64_t maximumCount);
+  ICalStringEnumerator(icalrecur_iterator_impl* iterator,
+                       std::unique_ptr<recurrence::ParsedRecurrence> rule, uint64_t maximumCount);
   void fetchNext();
 
   icalrecur_iterator_impl* iterator_;
+  std::unique_ptr<recurrence::ParsedRecurrence> rule_;
   uint64_t maximumCount_;
   uint64_t returnedCount_ = 0;
   std::optional<Date> next_;

@@ -15,7 +15,7 @@ namespace {
 using recurrence::byList;
 
 struct ParsedStrings {
-  std::vector<icalrecurrencetype> recurrences;
+  std::vector<recurrence::ParsedRecurrence> recurrences;
   icalrecurrencetype_frequency frequency = ICAL_NO_RECURRENCE;
   long interval = 1;
   RecurrenceEnd recurrenceEnd = RecurrenceEnd::infiniteRecurrenceEnd();
@@ -38,12 +38,13 @@ bool parseIcalStrings(const std::vector<std::string>& strings, ParsedStrings& pa
   if (strings.empty()) return false;
   std::optional<RecurrenceEnd> end;
   for (const std::string& string : strings) {
-    const auto rule = recurrence::parseRecurrence(recurrence::trimmedRecurrenceText(string));
+    auto parsedRule = recurrence::parseRecurrence(recurrence::trimmedRecurrenceText(string));
     std::optional<RecurrenceEnd> stringEnd;
-    if (!rule || !readEnd(*rule, stringEnd)) {
+    if (!parsedRule || !readEnd(parsedRule->rule(), stringEnd)) {
       LLog(recurrence::kInvalidRecurrenceFormat, string);
       return false;
     }
+    const icalrecurrencetype* rule = &parsedRule->rule();
     if (parsed.recurrences.empty()) {
       parsed.frequency = rule->freq;
       parsed.interval = rule->interval;
@@ -57,7 +58,7 @@ bool parseIcalStrings(const std::vector<std::string>& strings, ParsedStrings& pa
       return false;
     }
     if (!end) end = stringEnd;
-    parsed.recurrences.push_back(*rule);
+    parsed.recurrences.push_back(std::move(*parsedRule));
   }
   if (end) parsed.recurrenceEnd = *end;
   return true;
@@ -81,7 +82,8 @@ void appendUnique(std::vector<T>& values, const T& value) {
 
 std::optional<RecurrenceRule> readWeekly(const ParsedStrings& parsed, std::optional<Date> backup) {
   std::vector<int64_t> days;
-  for (const icalrecurrencetype& rule : parsed.recurrences) {
+  for (const auto& parsedRule : parsed.recurrences) {
+    const icalrecurrencetype& rule = parsedRule.rule();
     if (auto other = recurrence::otherByListInUse(rule)) return inexpressible(*other, rule);
     if (hasValues(byList(rule.by_month_day))) return inexpressible("BYMONTHDAY", rule);
     if (hasValues(byList(rule.by_month))) return inexpressible("BYMONTH", rule);
@@ -104,7 +106,8 @@ std::optional<RecurrenceRule> readWeekly(const ParsedStrings& parsed, std::optio
 std::optional<RecurrenceRule> readMonthly(const ParsedStrings& parsed, std::optional<Date> backup) {
   std::vector<int64_t> days;
   std::vector<NthWeekDay> weekDays;
-  for (const icalrecurrencetype& rule : parsed.recurrences) {
+  for (const auto& parsedRule : parsed.recurrences) {
+    const icalrecurrencetype& rule = parsedRule.rule();
     if (auto other = recurrence::otherByListInUse(rule)) return inexpressible(*other, rule);
     if (hasValues(byList(rule.by_month))) return inexpressible("BYMONTH", rule);
     const auto monthDays = byList(rule.by_month_day);
@@ -129,7 +132,7 @@ std::optional<RecurrenceRule> readMonthly(const ParsedStrings& parsed, std::opti
 
 bool isTaxPattern(const ParsedStrings& parsed) {
   if (parsed.recurrences.size() != 1 || parsed.interval != 1) return false;
-  const icalrecurrencetype& rule = parsed.recurrences.front();
+  const icalrecurrencetype& rule = parsed.recurrences.front().rule();
   auto months = byList(rule.by_month);
   std::sort(months.begin(), months.end());
   return months == std::vector<int>{1, 4, 6, 9} &&
@@ -140,7 +143,8 @@ bool isTaxPattern(const ParsedStrings& parsed) {
 std::optional<RecurrenceRule> readYearly(const ParsedStrings& parsed, std::optional<Date> backup) {
   if (isTaxPattern(parsed)) return RecurrenceRule::initUSTaxRecurrenceWithEnd(parsed.recurrenceEnd);
   std::vector<NthMonthDay> monthDays;
-  for (const icalrecurrencetype& rule : parsed.recurrences) {
+  for (const auto& parsedRule : parsed.recurrences) {
+    const icalrecurrencetype& rule = parsedRule.rule();
     if (auto other = recurrence::otherByListInUse(rule)) return inexpressible(*other, rule);
     if (hasValues(byList(rule.by_day))) return inexpressible("BYDAY", rule);
     std::vector<int> months;
@@ -229,9 +233,9 @@ bool RecurrenceRule::parseIcalString(std::string_view string, std::string* repea
                                      RecurrenceEnd* recurrenceEnd,
                                      std::optional<Date> referenceDate) {
   const std::string_view trimmed = recurrence::trimmedRecurrenceText(string);
-  const auto rule = recurrence::parseRecurrence(trimmed);
+  const auto parsedRule = recurrence::parseRecurrence(trimmed);
   std::optional<RecurrenceEnd> end;
-  if (!rule || !readEnd(*rule, end)) {
+  if (!parsedRule || !readEnd(parsedRule->rule(), end)) {
     LLog(recurrence::kInvalidRecurrenceFormat, string);
     return false;
   }
@@ -245,7 +249,7 @@ bool RecurrenceRule::parseIcalString(std::string_view string, std::string* repea
     if (!component.empty() && key != "UNTIL" && key != "COUNT") components.emplace_back(component);
     position = next + 1;
   }
-  if (referenceDate) addMissingDay(*rule, *referenceDate, components);
+  if (referenceDate) addMissingDay(parsedRule->rule(), *referenceDate, components);
   if (repeatPatternString) {
     repeatPatternString->clear();
     for (const std::string& component : components) {

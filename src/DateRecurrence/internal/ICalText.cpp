@@ -20,13 +20,14 @@ std::string_view trimmedRecurrenceText(std::string_view text) {
   return text;
 }
 
-std::optional<icalrecurrencetype> parseRecurrence(std::string_view trimmedText) {
+std::optional<ParsedRecurrence> parseRecurrence(std::string_view trimmedText) {
   // libical reads a C string: a text with a NUL inside is not one it could have written.
   if (trimmedText.empty() || trimmedText.find('\0') != std::string_view::npos) return std::nullopt;
   const std::string text(trimmedText);
-  icalrecurrencetype rule = icalrecurrencetype_from_string(text.c_str());
-  if (rule.freq == ICAL_NO_RECURRENCE) return std::nullopt;
-  return rule;
+  // Owned before anything is checked: a text with RSCALE but no FREQ still allocates it.
+  ParsedRecurrence parsed(icalrecurrencetype_from_string(text.c_str()));
+  if (parsed.rule().freq == ICAL_NO_RECURRENCE) return std::nullopt;
+  return parsed;
 }
 
 std::optional<std::string_view> otherByListInUse(const icalrecurrencetype& rule) {
