@@ -8,6 +8,8 @@
 #include "Commands/Edit/SetPropertyCommands.h"
 #include "Commands/GenericBatchCommand.h"
 #include "DataBase/DataBase.h"
+#include "Documents/LDocument.h"
+#include "Documents/LedgerQueries.h"
 #include "LedgerListing.h"
 #include "LedgerShell.h"
 #include "Subcommand.h"
@@ -62,7 +64,7 @@ void LedgerShell::transactionRequest(const std::string& verb, const Arguments& a
     if (arguments.positional.size() > 1) throw CommandFailure("usage: transaction list [ACCOUNT]");
     LObject* account =
         arguments.positional.empty() ? nullptr : &requireAccount(arguments.positional[0]);
-    const auto rows = transactionRows(dataBase(), account);
+    const auto rows = queries().transactionRows(account);
     if (arguments.json) {
       out_ << transactionsJson(rows).dump(2) << '\n';
     } else {
@@ -152,9 +154,6 @@ std::vector<EditDict> LedgerShell::transactionLines(const std::vector<SplitReque
     if (split.transfer) {
       LObject& target = requireAccount(*split.transfer);
       if (&target == &account) throw CommandFailure("a transfer goes to another account");
-      if (transferAccount && transferAccount != &target) {
-        throw CommandFailure("a transaction transfers to one account only");
-      }
       transferAccount = &target;
       line.set("transfer", Value(*split.transfer));
     }
