@@ -51,10 +51,11 @@ InvestmentRow investmentRow(LObject& transaction) {
   row.security = nameOf(position ? position->objectForKey("security") : nullptr);
   row.units = decimalNumberFrom(transaction, "units");
   row.commission = decimalNumberFrom(transaction, "commission");
-  // The cost basis is units at the price plus the commission.
-  if (row.units.isNotZero()) {
-    const Amount paid =
-        decimalNumberFrom(transaction, "costBasis").decimalNumberBySubtracting(row.commission);
+  // The cost basis is units at the price plus the commission. A split, or units moved in at no
+  // cost, has no price.
+  const Amount paid =
+      decimalNumberFrom(transaction, "costBasis").decimalNumberBySubtracting(row.commission);
+  if (row.units.isNotZero() && paid.isNotZero()) {
     const Amount price = Amount::divide(paid, row.units, RoundingMode::Plain).value;
     if (price.isNotNaN()) row.price = price.abs().roundWithScale(6);
   }

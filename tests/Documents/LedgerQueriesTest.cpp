@@ -45,11 +45,13 @@ class LedgerQueriesTest : public ::testing::Test {
     const char* transfer = "";  // the account a transfer line pays into
     const char* category = "";
   };
+  // Day 0: a transaction without a date.
   LObject& makeTransaction(LObject& account, int day, const char* total,
                            const std::vector<Line>& lines, LObject* target = nullptr) {
-    EditDict properties{{"account", Value(&account)},
-                        {"amount", Value(amount(total))},
-                        {"enteredDate", Value(*LDateUtilities::dateWithYear(2026, 1, day))}};
+    EditDict properties{{"account", Value(&account)}, {"amount", Value(amount(total))}};
+    if (day > 0) {
+      properties.set("enteredDate", Value(*LDateUtilities::dateWithYear(2026, 1, day)));
+    }
     if (target) properties.set("targetAccount", Value(target));
     LObject& transaction = db().createEntity("CashFlowTransaction", properties);
     int64_t sequence = 0;
@@ -168,6 +170,20 @@ TEST_F(LedgerQueriesTest, ATransferIsSeenFromBothSides) {
   EXPECT_EQ(all[0].account, "Checking");
 }
 
+TEST_F(LedgerQueriesTest, UndatedTransactionsComeFirstWithoutADate) {
+  LObject& checking = makeAccount("Checking");
+  makeTransaction(checking, 3, "-1", {{"-1"}});
+  makeTransaction(checking, 0, "-2", {{"-2"}});
+  makeTransaction(checking, 1, "-3", {{"-3"}});
+  const auto rows = queries().transactionRows();
+  ASSERT_EQ(rows.size(), 3u);
+  EXPECT_FALSE(rows[0].date);
+  EXPECT_EQ(rows[0].amount.stringValue(), "-2");
+  EXPECT_EQ(rows[1].amount.stringValue(), "-3");
+  EXPECT_EQ(rows[2].amount.stringValue(), "-1");
+  EXPECT_EQ(balance("Checking"), "-6");
+}
+
 TEST_F(LedgerQueriesTest, AnInvestmentAccountKeepsItsCashAndItsHoldingsApart) {
   LObject& brokerage = makeAccount("Brokerage", "BrokerageNormal");
   LObject& fund = db().createEntity("Security", {{"name", Value("Evergreen Fund")},
@@ -191,6 +207,7 @@ TEST_F(LedgerQueriesTest, AnInvestmentAccountKeepsItsCashAndItsHoldingsApart) {
       {&inFund, 10, "0", "12.40", "0", "0"},            // dividend paid in cash
       {&inFund, 19, "5", "226.80", "231.75", "4.95"},   // sell: cash in, units out
       {&inBond, 2, "2", "197", "197", "0"},             // shares in from elsewhere: no cash
+      {&inFund, 23, "5", "0", "0", "0"},                // split: the units it added
   };
   for (const auto& t : transactions) {
     makeInvestment(brokerage, *t.position, t.type, t.units, t.amount, t.costBasis, t.commission);
@@ -209,25 +226,23 @@ TEST_F(LedgerQueriesTest, AnInvestmentAccountKeepsItsCashAndItsHoldingsApart) {
   EXPECT_FALSE(bondHolding.value);
   const HoldingRow& fundHolding = rows[0].holdings[1];
   EXPECT_EQ(fundHolding.ticker, "EVG");
-  EXPECT_EQ(fundHolding.units.stringValue(), "10.2");
+  EXPECT_EQ(fundHolding.units.stringValue(), "15.2");
   ASSERT_TRUE(fundHolding.value);
-  EXPECT_EQ(fundHolding.value->stringValue(), "472.77");
+  EXPECT_EQ(fundHolding.value->stringValue(), "704.52");
 
   const auto listed = queries().transactionRows(&brokerage);
   ASSERT_EQ(listed.size(), std::size(transactions));
   const struct {
     const char* action;
     std::optional<const char*> price;
-  } expected[] = {{"Buy", "45.2"},
-                  {"Reinvest Dividend", "46.5"},
-                  {"Dividend", std::nullopt},
-                  {"Sell", "45.36"},
-                  {"Shares In", "98.5"}};
+  } expected[] = {{"Buy", "45.2"},   {"Reinvest Dividend", "46.5"}, {"Dividend", std::nullopt},
+                  {"Sell", "45.36"}, {"Shares In", "98.5"},         {"Stock Split", std::nullopt}};
   for (size_t i = 0; i < listed.size(); ++i) {
     SCOPED_TRACE(expected[i].action);
     ASSERT_TRUE(listed[i].investment);
     EXPECT_EQ(listed[i].investment->action, expected[i].action);
-    EXPECT_EQ(listed[i].investment->security, i == 4 ? "City Bond" : "Evergreen Fund");
+    EXPECT_EQ(listed[i].investment->security,
+              transactions[i].position == &inBond ? "City Bond" : "Evergreen Fund");
     ASSERT_EQ(listed[i].investment->price.has_value(), expected[i].price.has_value());
     if (expected[i].price) {
       EXPECT_EQ(listed[i].investment->price->stringValue(), *expected[i].price);
