@@ -338,16 +338,21 @@ void LedgerShell::accountRequest(const std::string& verb, const Arguments& argum
   }
 }
 
+void LedgerShell::listNames(const char* entity) {
+  const bool categories = std::string_view(entity) == "CategoryTag";
+  std::vector<std::string> names;
+  for (LObject* object : dataBase().instancesOfClass(entity)) {
+    names.push_back(categories ? LedgerQueries::categoryFullName(object)
+                               : object->stringForKey("name"));
+  }
+  std::sort(names.begin(), names.end());
+  for (const std::string& name : names) out_ << name << '\n';
+}
+
 void LedgerShell::categoryRequest(const std::string& verb, const Arguments& arguments) {
   if (verb == "list") {
     requirePositional(arguments, 0, "category list");
-    std::vector<std::string> names;
-    for (LObject* category : dataBase().instancesOfClass("CategoryTag")) {
-      names.push_back(LedgerQueries::categoryFullName(category));
-    }
-    std::sort(names.begin(), names.end());
-    for (const std::string& name : names) out_ << name << '\n';
-    return;
+    return listNames("CategoryTag");
   }
   requirePositional(arguments, 1, "category add|edit|delete FULL:NAME [options]");
   const std::string& fullName = arguments.positional[0];
@@ -398,12 +403,7 @@ void LedgerShell::categoryRequest(const std::string& verb, const Arguments& argu
 void LedgerShell::tagRequest(const std::string& verb, const Arguments& arguments) {
   if (verb == "list") {
     requirePositional(arguments, 0, "tag list");
-    std::vector<std::string> names;
-    for (LObject* tag : dataBase().instancesOfClass("UserTag"))
-      names.push_back(tag->stringForKey("name"));
-    std::sort(names.begin(), names.end());
-    for (const std::string& name : names) out_ << name << '\n';
-    return;
+    return listNames("UserTag");
   }
   requirePositional(arguments, 1, "tag add|edit|delete NAME [name=NEW]");
   const std::string& name = arguments.positional[0];
@@ -439,13 +439,7 @@ void LedgerShell::tagRequest(const std::string& verb, const Arguments& arguments
 void LedgerShell::payeeRequest(const std::string& verb, const Arguments& arguments) {
   if (verb == "list") {
     requirePositional(arguments, 0, "payee list");
-    std::vector<std::string> names;
-    for (LObject* payee : dataBase().instancesOfClass("UserPayee")) {
-      names.push_back(payee->stringForKey("name"));
-    }
-    std::sort(names.begin(), names.end());
-    for (const std::string& name : names) out_ << name << '\n';
-    return;
+    return listNames("UserPayee");
   }
   requirePositional(arguments, 1, "payee add|edit|delete NAME [name=NEW]");
   const std::string& name = arguments.positional[0];

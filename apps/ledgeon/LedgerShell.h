@@ -55,6 +55,8 @@ class LedgerShell final {
   // The command that changes the account. Transfer lines name their account: a new name goes to
   // them too, in the same undoable step.
   std::shared_ptr<KVCommand> accountEdit(LObject& account, const EditDict& changes);
+  // Prints the names of the live objects of `entity`, sorted; categories by full name.
+  void listNames(const char* entity);
   void categoryRequest(const std::string& verb, const Arguments& arguments);
   void tagRequest(const std::string& verb, const Arguments& arguments);
   void payeeRequest(const std::string& verb, const Arguments& arguments);
@@ -65,6 +67,8 @@ class LedgerShell final {
   // transfer to different accounts; the transaction's targetAccount is the last line's.
   std::vector<EditDict> transactionLines(const std::vector<SplitRequest>& splits, LObject& account,
                                          const Amount& total, EditDict& properties);
+  // Sets what payee= ("-": none), note=, check= and status= say; false for any other key.
+  bool transactionProperty(const std::string& key, const std::string& value, EditDict& properties);
   void editTransaction(const Arguments& arguments);
   // A file imported as one undoable step.
   void importRequest(const Arguments& arguments);

@@ -121,14 +121,8 @@ void LedgerShell::addTransaction(const Arguments& arguments) {
                                      : split.transfer;
       if (slot) throw CommandFailure(key + "= given twice for one split");
       slot = value;
-    } else if (key == "payee") {
-      properties.set("userPayee", Value(&requireNamed("UserPayee", "payee", value)));
-    } else if (key == "note") {
-      properties.set("note", Value(value));
-    } else if (key == "check") {
-      properties.set("checkNumber", Value(value));
-    } else if (key == "status") {
-      properties.set("reconcileStatus", Value(reconcileStatusCode(value)));
+    } else {
+      transactionProperty(key, value, properties);
     }
   }
 
@@ -167,6 +161,23 @@ std::vector<EditDict> LedgerShell::transactionLines(const std::vector<SplitReque
   return lines;
 }
 
+bool LedgerShell::transactionProperty(const std::string& key, const std::string& value,
+                                      EditDict& properties) {
+  if (key == "payee") {
+    properties.set("userPayee",
+                   value == "-" ? Value() : Value(&requireNamed("UserPayee", "payee", value)));
+  } else if (key == "note") {
+    properties.set("note", Value(value));
+  } else if (key == "check") {
+    properties.set("checkNumber", Value(value));
+  } else if (key == "status") {
+    properties.set("reconcileStatus", Value(reconcileStatusCode(value)));
+  } else {
+    return false;
+  }
+  return true;
+}
+
 void LedgerShell::editTransaction(const Arguments& arguments) {
   allowOptions(arguments,
                {"date", "amount", "payee", "note", "check", "status", "category", "tags", "memo"},
@@ -185,15 +196,8 @@ void LedgerShell::editTransaction(const Arguments& arguments) {
       const Amount amount = parseAmountArgument("amount", value);
       changes.set("amount", Value(amount));
       lineChanges.set("amount", Value(amount));
-    } else if (key == "payee") {
-      changes.set("userPayee",
-                  value == "-" ? Value() : Value(&requireNamed("UserPayee", "payee", value)));
-    } else if (key == "note") {
-      changes.set("note", Value(value));
-    } else if (key == "check") {
-      changes.set("checkNumber", Value(value));
-    } else if (key == "status") {
-      changes.set("reconcileStatus", Value(reconcileStatusCode(value)));
+    } else if (transactionProperty(key, value, changes)) {
+      continue;
     } else if (key == "category") {
       lineChanges.set("categoryTag", value == "-" ? Value() : Value(&requireCategory(value)));
     } else if (key == "tags") {

@@ -53,8 +53,8 @@ class LedgerQueries final {
   // What the account's undeleted transactions move into it: their own amounts (an investment
   // account's cash: actions that move only units count nothing) and the transfers it receives.
   Amount balanceOfAccount(LObject& account);
-  // The units a position holds after its transactions (through the end of `through`, when
-  // given).
+  // The units a position holds after its transactions; with `through`, after those dated on or
+  // before it.
   static Amount unitsForPosition(LObject& position, std::optional<Date> through = std::nullopt);
   // Every account by name, with its balance and, for an investment account, its holdings.
   std::vector<AccountRow> accountRows();

@@ -143,13 +143,13 @@ TEST_F(LedgerListingCliTest, InvestmentTransactionsAreListedAndHoldingsShownApar
   EXPECT_EQ(brokerage["balance"], "-445.50");  // -682.95 + 12.40 + 225.05
   EXPECT_EQ(brokerage["cash"], "-445.50");
   ASSERT_EQ(brokerage["holdings"].size(), 1u);
-  const auto& holding = brokerage["holdings"][0];
-  EXPECT_EQ(holding["security"], "Evergreen Index Fund");
-  EXPECT_EQ(holding["ticker"], "EVGIX");
-  EXPECT_EQ(holding["units"], "10.2");
-  EXPECT_EQ(holding["price"], "46.35");
-  EXPECT_EQ(holding["priceDate"], "2026-02-27");
-  EXPECT_EQ(holding["value"], "472.77");
+  const nlohmann::json holding = {{"security", "Evergreen Index Fund"},
+                                  {"ticker", "EVGIX"},
+                                  {"units", "10.2"},
+                                  {"price", "46.35"},
+                                  {"priceDate", "2026-02-27"},
+                                  {"value", "472.77"}};
+  EXPECT_EQ(brokerage["holdings"][0], holding);
   const std::string listing = text({"accounts", doc_});
   EXPECT_NE(listing.find("    cash"), std::string::npos) << listing;
   EXPECT_NE(listing.find("Evergreen Index Fund (EVGIX): 10.2 units @ 46.35 on 2026-02-27 = 472.77"),
