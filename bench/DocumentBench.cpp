@@ -21,6 +21,7 @@
 
 #include "DataBase/DataBase.h"
 #include "Documents/LDocument.h"
+#include "Documents/LedgerQueries.h"
 #include "LObjects/Value.h"
 #include "Utilities/Amount.h"
 #include "Utilities/LDateUtilities.h"
@@ -85,9 +86,10 @@ fs::path documentOf(long transactions) {
     auto created = LDocument::createNewDocument(package);
     if (!created) throw std::runtime_error(created.error().localizedDescription());
     DataBase& db = (*created)->dataBase();
-    db.createEntity("Account", {{"name", Value("Everyday Checking")},
-                                {"currency", Value("USD")},
-                                {"type", Value((*created)->accountTypeForClass("Checking"))}});
+    db.createEntity("Account",
+                    {{"name", Value("Everyday Checking")},
+                     {"currency", Value("USD")},
+                     {"type", Value((*created)->ledgerQueries().accountTypeForClass("Checking"))}});
     for (const char* payee : {"Corner Grocer", "Power Company", "Landlord", "Cafe", "Pharmacy"}) {
       db.createEntity("UserPayee", {{"name", Value(payee)}});
     }

@@ -11,8 +11,8 @@
 #include "DataBase/DataBase.h"
 #include "DemoStep.h"
 #include "Documents/LDocument.h"
+#include "Documents/LedgerQueries.h"
 #include "ImportExport/ImportLIFFileCommand.h"
-#include "ImportExport/ImportLedger.h"
 #include "ImportExport/ImportTextFileCommand.h"
 #include "ImportExport/TextFileReader.h"
 #include "LObjects/LObject.h"
@@ -112,8 +112,7 @@ void showImport(DemoContext& context) {
   for (LObject* account :
        document->dataBase().instancesOfClass("Account", {.sortDescriptors = {{"name"}}})) {
     out << "  " << account->stringForKey("name") << ": "
-        << formatMoney(ImportLedger::endingRealTransactionBalance(document->dataBase(), *account))
-        << "\n";
+        << formatMoney(document->ledgerQueries().balanceOfAccount(*account)) << "\n";
   }
   out << "Try: ledgeon import " << path.string() << " "
       << resourcePath("demo/transactions.csv").string() << "\n";

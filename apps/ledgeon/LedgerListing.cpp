@@ -1,112 +1,74 @@
 #include "LedgerListing.h"
 
-#include <algorithm>
-#include <map>
-
 #include <fmt/format.h>
 
 #include "CliValues.h"
-#include "DataBase/DataBase.h"
-#include "LObjects/LObject.h"
-#include "Utilities/LArithmetic.h"
 
 namespace ledgeon::cli {
 
 namespace {
 
-Amount plus(const Amount& a, const Amount& b) {
-  return Amount::add(a, b, RoundingMode::Plain).value;
-}
-Amount negated(const Amount& a) {
-  return Amount::subtract(Amount::zero(), a, RoundingMode::Plain).value;
+nlohmann::json dateJson(const std::optional<Date>& date) {
+  return date ? nlohmann::json(formatDate(*date)) : nlohmann::json(nullptr);
 }
 
-std::string nameOf(LObject* object) {
-  return object ? object->stringForKey("name") : std::string();
+nlohmann::json amountJson(const std::optional<Amount>& amount) {
+  return amount ? nlohmann::json(amount->stringValue()) : nlohmann::json(nullptr);
 }
 
-std::vector<LObject*> sortedLines(LObject& transaction) {
-  const ObjectSet entries = transaction.objectsForKey("entries");
-  std::vector<LObject*> lines;
-  for (LObject* line : entries) {
-    if (!line->isLObjectDeleted()) lines.push_back(line);
+nlohmann::json holdingsJson(const AccountRow& row) {
+  nlohmann::json holdings = nlohmann::json::array();
+  for (const HoldingRow& holding : row.holdings) {
+    holdings.push_back({{"security", holding.security},
+                        {"ticker", holding.ticker},
+                        {"units", holding.units.stringValue()},
+                        {"price", amountJson(holding.price)},
+                        {"priceDate", dateJson(holding.priceDate)},
+                        {"value", holding.value ? nlohmann::json(exactMoneyText(*holding.value,
+                                                                                row.fractionDigits))
+                                                : nlohmann::json(nullptr)}});
   }
-  std::sort(lines.begin(), lines.end(), [](LObject* a, LObject* b) {
-    return a->integerForKey("sequenceNumber") < b->integerForKey("sequenceNumber");
-  });
-  return lines;
+  return holdings;
 }
 
-SplitRow splitRow(LObject& line) {
-  SplitRow row;
-  row.category = categoryFullName(line.objectForKey("categoryTag"));
-  for (LObject* tag : line.objectsForKey("userTags")) row.tags.push_back(nameOf(tag));
-  std::sort(row.tags.begin(), row.tags.end());
-  row.amount = line.amountForKey("amount");
-  row.transfer = line.stringForKey("transfer");
-  row.note = line.stringForKey("note");
-  return row;
-}
-
-// What a transfer moves into its receiving account: the opposite of its transfer lines, or of the
-// whole transaction when no line says which part is the transfer.
-Amount receivedAmount(LObject& transaction) {
-  Amount received = Amount::zero();
-  bool anyLine = false;
-  for (LObject* line : sortedLines(transaction)) {
-    if (line->stringForKey("transfer").empty()) continue;
-    anyLine = true;
-    received = plus(received, negated(line->amountForKey("amount")));
+nlohmann::json entriesJson(const TransactionRow& row) {
+  nlohmann::json entries = nlohmann::json::array();
+  for (const EntryRow& entry : row.entries) {
+    entries.push_back({{"category", entry.category},
+                       {"tags", entry.tags},
+                       {"amount", exactMoneyText(entry.amount, row.fractionDigits)},
+                       {"transfer", entry.transfer},
+                       {"note", entry.note}});
   }
-  return anyLine ? received : negated(transaction.amountForKey("amount"));
+  return entries;
 }
 
-TransactionRow ownRow(LObject& transaction) {
-  TransactionRow row;
-  row.id = transaction.integerForKey("ledgeonId");
-  row.account = nameOf(transaction.objectForKey("account"));
-  row.date = transaction.valueForKey("enteredDate").isNull()
-                 ? Date()
-                 : transaction.valueForKey("enteredDate").asDate();
-  row.amount = transaction.amountForKey("amount");
-  row.payee = nameOf(transaction.objectForKey("userPayee"));
-  row.note = transaction.stringForKey("note");
-  row.checkNumber = transaction.stringForKey("checkNumber");
-  row.reconcileStatus = transaction.integerForKey("reconcileStatus");
-  if (LObject* account = transaction.objectForKey("account")) {
-    row.fractionDigits = LArithmetic::getDecimalsForCurrency(account->stringForKey("currency"));
+// What an investment transaction did: "Buy Evergreen Fund 15 units @ 45.2 commission 4.95".
+std::string investmentText(const TransactionRow& row) {
+  const InvestmentRow& investment = *row.investment;
+  std::string text = investment.action;
+  if (!investment.security.empty()) text += " " + investment.security;
+  if (investment.units.isNotZero()) text += " " + investment.units.stringValue() + " units";
+  if (investment.price) text += " @ " + investment.price->stringValue();
+  if (investment.commission.isNotZero()) {
+    text += " commission " + exactMoneyText(investment.commission, row.fractionDigits);
   }
-  row.transferAccount = nameOf(transaction.objectForKey("targetAccount"));
-  for (LObject* line : sortedLines(transaction)) row.splits.push_back(splitRow(*line));
-  return row;
+  return text;
 }
 
-// The receiving account's view of a transfer.
-TransactionRow receivedRow(LObject& transaction) {
-  TransactionRow row = ownRow(transaction);
-  row.account = nameOf(transaction.objectForKey("targetAccount"));
-  row.transferAccount = nameOf(transaction.objectForKey("account"));
-  row.amount = receivedAmount(transaction);
-  std::vector<SplitRow> received;
-  for (SplitRow& split : row.splits) {
-    if (split.transfer.empty()) continue;
-    split.amount = negated(split.amount);
-    split.transfer = row.transferAccount;
-    received.push_back(std::move(split));
+void printEntries(std::ostream& out, const TransactionRow& row) {
+  for (const EntryRow& entry : row.entries) {
+    std::string detail =
+        fmt::format("         {:>12}  {}", exactMoneyText(entry.amount, row.fractionDigits),
+                    entry.category.empty() ? "-" : entry.category);
+    if (!entry.tags.empty()) detail += " tags=" + fmt::format("{}", fmt::join(entry.tags, ","));
+    if (!entry.transfer.empty()) detail += " transfer=" + entry.transfer;
+    if (!entry.note.empty()) detail += "  \"" + entry.note + "\"";
+    out << detail << '\n';
   }
-  row.splits = std::move(received);
-  return row;
 }
 
 }  // namespace
-
-std::string categoryFullName(LObject* category) {
-  std::string name;
-  for (LObject* c = category; c; c = c->objectForKey("parentCategory")) {
-    name = name.empty() ? nameOf(c) : nameOf(c) + ":" + name;
-  }
-  return name;
-}
 
 std::string exactMoneyText(const Amount& value, int minimumDigits) {
   std::string text = value.stringValue();
@@ -132,54 +94,18 @@ std::string reconcileStatusName(int64_t status) {
   }
 }
 
-std::vector<AccountRow> accountRows(DataBase& dataBase) {
-  std::map<LObject*, Amount> balances;
-  for (LObject* transaction : dataBase.instancesOfClass("Transaction")) {
-    if (LObject* account = transaction->objectForKey("account")) {
-      auto& balance = balances.try_emplace(account, Amount::zero()).first->second;
-      balance = plus(balance, transaction->amountForKey("amount"));
-    }
-    if (LObject* target = transaction->objectForKey("targetAccount")) {
-      auto& balance = balances.try_emplace(target, Amount::zero()).first->second;
-      balance = plus(balance, receivedAmount(*transaction));
-    }
-  }
-  std::vector<AccountRow> rows;
-  for (LObject* account :
-       dataBase.instancesOfClass("Account", {.sortDescriptors = {{"name", true}}})) {
-    LObject* type = account->objectForKey("type");
-    const auto balance = balances.find(account);
-    const std::string currency = account->stringForKey("currency");
-    rows.push_back({nameOf(account), type ? type->className() : std::string(), currency,
-                    balance == balances.end() ? Amount::zero() : balance->second,
-                    LArithmetic::getDecimalsForCurrency(currency)});
-  }
-  return rows;
-}
-
-std::vector<TransactionRow> transactionRows(DataBase& dataBase, LObject* account) {
-  std::vector<TransactionRow> rows;
-  for (LObject* transaction : dataBase.instancesOfClass("CashFlowTransaction")) {
-    LObject* own = transaction->objectForKey("account");
-    if (!account || own == account) rows.push_back(ownRow(*transaction));
-    if (account && own != account && transaction->objectForKey("targetAccount") == account) {
-      rows.push_back(receivedRow(*transaction));
-    }
-  }
-  std::stable_sort(rows.begin(), rows.end(), [](const TransactionRow& a, const TransactionRow& b) {
-    if (a.date != b.date) return a.date < b.date;
-    return a.id < b.id;
-  });
-  return rows;
-}
-
 nlohmann::json accountsJson(const std::vector<AccountRow>& rows) {
   nlohmann::json out = nlohmann::json::array();
   for (const AccountRow& row : rows) {
-    out.push_back({{"name", row.name},
-                   {"type", row.type},
-                   {"currency", row.currency},
-                   {"balance", exactMoneyText(row.balance, row.fractionDigits)}});
+    nlohmann::json account = {{"name", row.name},
+                              {"type", row.type},
+                              {"currency", row.currency},
+                              {"balance", exactMoneyText(row.balance, row.fractionDigits)}};
+    if (row.investment) {
+      account["cash"] = account["balance"];
+      account["holdings"] = holdingsJson(row);
+    }
+    out.push_back(std::move(account));
   }
   return out;
 }
@@ -187,24 +113,26 @@ nlohmann::json accountsJson(const std::vector<AccountRow>& rows) {
 nlohmann::json transactionsJson(const std::vector<TransactionRow>& rows) {
   nlohmann::json out = nlohmann::json::array();
   for (const TransactionRow& row : rows) {
-    nlohmann::json splits = nlohmann::json::array();
-    for (const SplitRow& split : row.splits) {
-      splits.push_back({{"category", split.category},
-                        {"tags", split.tags},
-                        {"amount", exactMoneyText(split.amount, row.fractionDigits)},
-                        {"transfer", split.transfer},
-                        {"note", split.note}});
+    nlohmann::json transaction = {{"id", row.id},
+                                  {"kind", row.investment ? "investment" : "cashFlow"},
+                                  {"account", row.account},
+                                  {"date", dateJson(row.date)},
+                                  {"amount", exactMoneyText(row.amount, row.fractionDigits)},
+                                  {"payee", row.payee},
+                                  {"note", row.note},
+                                  {"checkNumber", row.checkNumber},
+                                  {"reconcileStatus", row.reconcileStatus},
+                                  {"transferAccount", row.transferAccount},
+                                  {"splits", entriesJson(row)}};
+    if (const auto& investment = row.investment) {
+      transaction["type"] = investment->type;
+      transaction["action"] = investment->action;
+      transaction["security"] = investment->security;
+      transaction["units"] = investment->units.stringValue();
+      transaction["price"] = amountJson(investment->price);
+      transaction["commission"] = exactMoneyText(investment->commission, row.fractionDigits);
     }
-    out.push_back({{"id", row.id},
-                   {"account", row.account},
-                   {"date", formatDate(row.date)},
-                   {"amount", exactMoneyText(row.amount, row.fractionDigits)},
-                   {"payee", row.payee},
-                   {"note", row.note},
-                   {"checkNumber", row.checkNumber},
-                   {"reconcileStatus", row.reconcileStatus},
-                   {"transferAccount", row.transferAccount},
-                   {"splits", splits}});
+    out.push_back(std::move(transaction));
   }
   return out;
 }
@@ -213,28 +141,38 @@ void printAccounts(std::ostream& out, const std::vector<AccountRow>& rows) {
   for (const AccountRow& row : rows) {
     out << fmt::format("{:<24} {:<16} {:<4} {:>14}\n", row.name, row.type, row.currency,
                        exactMoneyText(row.balance, row.fractionDigits));
+    if (!row.investment) continue;
+    out << fmt::format("    {:<42} {:>14}\n", "cash",
+                       exactMoneyText(row.balance, row.fractionDigits));
+    for (const HoldingRow& holding : row.holdings) {
+      std::string line = "    " + holding.security;
+      if (!holding.ticker.empty()) line += " (" + holding.ticker + ")";
+      line += ": " + holding.units.stringValue() + " units";
+      if (holding.price) {
+        line += " @ " + holding.price->stringValue();
+        if (holding.priceDate) line += " on " + formatDate(*holding.priceDate);
+        line += " = " + formatFixed(*holding.value, row.fractionDigits);
+      } else {
+        line += ", no price";
+      }
+      out << line << '\n';
+    }
   }
 }
 
 void printTransactions(std::ostream& out, const std::vector<TransactionRow>& rows) {
   for (const TransactionRow& row : rows) {
-    std::string line = fmt::format("{:>5}  {}  {:<16} {:>12}", row.id, formatDate(row.date),
-                                   row.account, exactMoneyText(row.amount, row.fractionDigits));
+    std::string line =
+        fmt::format("{:>5}  {:<10}  {:<16} {:>12}", row.id, row.date ? formatDate(*row.date) : "-",
+                    row.account, exactMoneyText(row.amount, row.fractionDigits));
+    if (row.investment) line += "  " + investmentText(row);
     if (!row.payee.empty()) line += "  " + row.payee;
     if (!row.transferAccount.empty()) line += "  [transfer " + row.transferAccount + "]";
     if (!row.checkNumber.empty()) line += " #" + row.checkNumber;
     if (row.reconcileStatus != 0) line += " (" + reconcileStatusName(row.reconcileStatus) + ")";
     if (!row.note.empty()) line += "  \"" + row.note + "\"";
     out << line << '\n';
-    for (const SplitRow& split : row.splits) {
-      std::string detail =
-          fmt::format("         {:>12}  {}", exactMoneyText(split.amount, row.fractionDigits),
-                      split.category.empty() ? "-" : split.category);
-      if (!split.tags.empty()) detail += " tags=" + fmt::format("{}", fmt::join(split.tags, ","));
-      if (!split.transfer.empty()) detail += " transfer=" + split.transfer;
-      if (!split.note.empty()) detail += "  \"" + split.note + "\"";
-      out << detail << '\n';
-    }
+    printEntries(out, row);
   }
 }
 

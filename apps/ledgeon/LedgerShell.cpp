@@ -8,9 +8,12 @@
 #include "Commands/Delete/DeleteCommands.h"
 #include "Commands/Edit/EditCashFlowTagCommand.h"
 #include "Commands/Edit/SetPropertyCommands.h"
+#include "Commands/GenericBatchCommand.h"
 #include "Commands/LCommandDocument.h"
 #include "Commands/UndoManager.h"
 #include "DataBase/DataBase.h"
+#include "Documents/LDocument.h"
+#include "Documents/LedgerQueries.h"
 #include "ImportCommand.h"
 #include "LObjects/Model.h"
 #include "LedgerListing.h"
@@ -35,11 +38,12 @@ const std::string* option(const std::vector<std::pair<std::string, std::string>>
 
 }  // namespace
 
-LedgerShell::LedgerShell(std::shared_ptr<LCommandDocument> document, UndoManager& undoManager,
+LedgerShell::LedgerShell(std::shared_ptr<LDocument> document, UndoManager& undoManager,
                          std::ostream& out)
     : document_(std::move(document)), undoManager_(undoManager), out_(out) {}
 
 DataBase& LedgerShell::dataBase() { return document_->dataBase(); }
+LedgerQueries& LedgerShell::queries() { return document_->ledgerQueries(); }
 
 std::string LedgerShell::helpText() {
   return R"(Requests (one per line; quote words with blanks: payee="Corner Shop"):
@@ -58,7 +62,7 @@ std::string LedgerShell::helpText() {
         [memo=T] [split=AMOUNT [category=C] [tags=a,b] [transfer=ACCOUNT] [memo=T]]...
       category, tags, transfer and memo describe the split before them (the whole amount
       when there is no split=); splits must add up to AMOUNT; a transfer moves the money
-      into the named account
+      into the named account (each split may name its own)
   transaction edit ID [date=D] [amount=A] [payee=P|-] [note=T] [check=N] [status=S]
         [category=C|-] [tags=a,b] [memo=T]   (amount and split fields: one-split only)
   transaction duplicate ID
@@ -210,17 +214,15 @@ LObject& LedgerShell::requireNamed(const char* entity, const char* noun, const s
   throw CommandFailure(std::string("no ") + noun + " named \"" + name + "\"");
 }
 
-LObject* LedgerShell::findAccount(const std::string& name) { return findNamed("Account", name); }
+LObject* LedgerShell::findAccount(const std::string& name) { return queries().accountNamed(name); }
 
 LObject& LedgerShell::requireAccount(const std::string& name) {
-  return requireNamed("Account", "account", name);
+  if (LObject* account = findAccount(name)) return *account;
+  throw CommandFailure("no account named \"" + name + "\"");
 }
 
 LObject* LedgerShell::findCategory(const std::string& fullName) {
-  for (LObject* category : dataBase().instancesOfClass("CategoryTag")) {
-    if (categoryFullName(category) == fullName) return category;
-  }
-  return nullptr;
+  return queries().categoryWithFullName(fullName);
 }
 
 LObject& LedgerShell::requireCategory(const std::string& fullName) {
@@ -247,9 +249,7 @@ LObject& LedgerShell::requireAccountType(const std::string& className) {
                          "\" is not an account type (Checking, Savings, CreditCard, Brokerage, "
                          "Mortgage ...)");
   }
-  for (LObject* type : dataBase().instancesOfClass(className)) {
-    if (type->className() == className) return *type;
-  }
+  if (LObject* type = queries().accountTypeForClass(className)) return *type;
   throw CommandFailure("this document has no account type \"" + className + "\"");
 }
 
@@ -270,21 +270,25 @@ EditDict LedgerShell::accountChanges(const Arguments& arguments) {
   return changes;
 }
 
-size_t LedgerShell::transactionCount(LObject& account) {
-  size_t count = 0;
-  for (LObject* transaction : dataBase().instancesOfClass("Transaction")) {
-    if (transaction->objectForKey("account") == &account ||
-        transaction->objectForKey("targetAccount") == &account) {
-      ++count;
-    }
+std::shared_ptr<KVCommand> LedgerShell::accountEdit(LObject& account, const EditDict& changes) {
+  auto edit = std::make_shared<SetAccountPropertyCommand>(account, changes, document_);
+  const Value* newName = changes.find("name");
+  if (!newName) return edit;
+  std::vector<std::shared_ptr<KVCommand>> commands{edit};
+  for (LObject* line : dataBase().instancesOfClass(
+           "CashFlowTransactionEntry",
+           {.predicate = Predicate::withFormat("transfer == %@", account.stringForKey("name"))})) {
+    commands.push_back(std::make_shared<SetCashFlowTransactionEntryPropertyCommand>(
+        *line, EditDict{{"transfer", *newName}}, document_));
   }
-  return count;
+  if (commands.size() == 1) return edit;
+  return std::make_shared<GenericBatchCommand>(std::move(commands), document_);
 }
 
 void LedgerShell::accountRequest(const std::string& verb, const Arguments& arguments) {
   if (verb == "list") {
     requirePositional(arguments, 0, "account list [--json]");
-    const auto rows = accountRows(dataBase());
+    const auto rows = queries().accountRows();
     if (arguments.json) {
       out_ << accountsJson(rows).dump(2) << '\n';
     } else {
@@ -318,13 +322,12 @@ void LedgerShell::accountRequest(const std::string& verb, const Arguments& argum
       changes.set("name", Value(*newName));
     }
     if (changes.empty()) throw CommandFailure("account edit: nothing to change");
-    run(std::make_shared<SetAccountPropertyCommand>(account, changes, document_),
-        "the account was not changed");
+    run(accountEdit(account, changes), "the account was not changed");
     out_ << "Changed account " << account.stringForKey("name") << '\n';
   } else if (verb == "delete") {
     allowOptions(arguments, {}, "account delete");
     LObject& account = requireAccount(name);
-    if (const size_t used = transactionCount(account); used > 0) {
+    if (const size_t used = queries().transactionsOfAccount(account).size(); used > 0) {
       throw CommandFailure("account \"" + name + "\" still has " + std::to_string(used) +
                            " transaction(s); delete them first");
     }
@@ -335,16 +338,21 @@ void LedgerShell::accountRequest(const std::string& verb, const Arguments& argum
   }
 }
 
+void LedgerShell::listNames(const char* entity) {
+  const bool categories = std::string_view(entity) == "CategoryTag";
+  std::vector<std::string> names;
+  for (LObject* object : dataBase().instancesOfClass(entity)) {
+    names.push_back(categories ? LedgerQueries::categoryFullName(object)
+                               : object->stringForKey("name"));
+  }
+  std::sort(names.begin(), names.end());
+  for (const std::string& name : names) out_ << name << '\n';
+}
+
 void LedgerShell::categoryRequest(const std::string& verb, const Arguments& arguments) {
   if (verb == "list") {
     requirePositional(arguments, 0, "category list");
-    std::vector<std::string> names;
-    for (LObject* category : dataBase().instancesOfClass("CategoryTag")) {
-      names.push_back(categoryFullName(category));
-    }
-    std::sort(names.begin(), names.end());
-    for (const std::string& name : names) out_ << name << '\n';
-    return;
+    return listNames("CategoryTag");
   }
   requirePositional(arguments, 1, "category add|edit|delete FULL:NAME [options]");
   const std::string& fullName = arguments.positional[0];
@@ -375,7 +383,7 @@ void LedgerShell::categoryRequest(const std::string& verb, const Arguments& argu
     if (changes.empty()) throw CommandFailure("category edit: nothing to change");
     auto edit = std::make_shared<EditCategoryTagCommand>(category, changes, document_);
     if (!edit->execute()) throw CommandFailure("category not changed: " + edit->failureReason());
-    out_ << "Changed category " << categoryFullName(&category) << '\n';
+    out_ << "Changed category " << LedgerQueries::categoryFullName(&category) << '\n';
   } else if (verb == "delete") {
     allowOptions(arguments, {}, "category delete");
     LObject& category = requireCategory(fullName);
@@ -395,12 +403,7 @@ void LedgerShell::categoryRequest(const std::string& verb, const Arguments& argu
 void LedgerShell::tagRequest(const std::string& verb, const Arguments& arguments) {
   if (verb == "list") {
     requirePositional(arguments, 0, "tag list");
-    std::vector<std::string> names;
-    for (LObject* tag : dataBase().instancesOfClass("UserTag"))
-      names.push_back(tag->stringForKey("name"));
-    std::sort(names.begin(), names.end());
-    for (const std::string& name : names) out_ << name << '\n';
-    return;
+    return listNames("UserTag");
   }
   requirePositional(arguments, 1, "tag add|edit|delete NAME [name=NEW]");
   const std::string& name = arguments.positional[0];
@@ -436,13 +439,7 @@ void LedgerShell::tagRequest(const std::string& verb, const Arguments& arguments
 void LedgerShell::payeeRequest(const std::string& verb, const Arguments& arguments) {
   if (verb == "list") {
     requirePositional(arguments, 0, "payee list");
-    std::vector<std::string> names;
-    for (LObject* payee : dataBase().instancesOfClass("UserPayee")) {
-      names.push_back(payee->stringForKey("name"));
-    }
-    std::sort(names.begin(), names.end());
-    for (const std::string& name : names) out_ << name << '\n';
-    return;
+    return listNames("UserPayee");
   }
   requirePositional(arguments, 1, "payee add|edit|delete NAME [name=NEW]");
   const std::string& name = arguments.positional[0];

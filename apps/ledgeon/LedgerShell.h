@@ -13,7 +13,8 @@
 namespace ledgeon {
 class DataBase;
 class KVCommand;
-class LCommandDocument;
+class LDocument;
+class LedgerQueries;
 class LObject;
 class UndoManager;
 }  // namespace ledgeon
@@ -26,8 +27,7 @@ namespace ledgeon::cli {
 // application. A request that cannot be carried out throws CommandFailure and changes nothing.
 class LedgerShell final {
  public:
-  LedgerShell(std::shared_ptr<LCommandDocument> document, UndoManager& undoManager,
-              std::ostream& out);
+  LedgerShell(std::shared_ptr<LDocument> document, UndoManager& undoManager, std::ostream& out);
 
   // Returns false when the line ends the session ("quit").
   bool runLine(std::string_view line);
@@ -52,18 +52,23 @@ class LedgerShell final {
   void accountRequest(const std::string& verb, const Arguments& arguments);
   // The account properties the options set (currency=, type=, notes=).
   EditDict accountChanges(const Arguments& arguments);
-  // The transactions that pay from or into the account.
-  size_t transactionCount(LObject& account);
+  // The command that changes the account. Transfer lines name their account: a new name goes to
+  // them too, in the same undoable step.
+  std::shared_ptr<KVCommand> accountEdit(LObject& account, const EditDict& changes);
+  // Prints the names of the live objects of `entity`, sorted; categories by full name.
+  void listNames(const char* entity);
   void categoryRequest(const std::string& verb, const Arguments& arguments);
   void tagRequest(const std::string& verb, const Arguments& arguments);
   void payeeRequest(const std::string& verb, const Arguments& arguments);
   void transactionRequest(const std::string& verb, const Arguments& arguments);
   struct SplitRequest;
   void addTransaction(const Arguments& arguments);
-  // The split lines of a new transaction in `account`; they must add up to `total`. Sets the
-  // transaction's targetAccount when a line is a transfer.
+  // The split lines of a new transaction in `account`; they must add up to `total`. Lines may
+  // transfer to different accounts; the transaction's targetAccount is the last line's.
   std::vector<EditDict> transactionLines(const std::vector<SplitRequest>& splits, LObject& account,
                                          const Amount& total, EditDict& properties);
+  // Sets what payee= ("-": none), note=, check= and status= say; false for any other key.
+  bool transactionProperty(const std::string& key, const std::string& value, EditDict& properties);
   void editTransaction(const Arguments& arguments);
   // A file imported as one undoable step.
   void importRequest(const Arguments& arguments);
@@ -86,8 +91,9 @@ class LedgerShell final {
   std::vector<LObject*> requireTags(const std::string& commaSeparated);
 
   DataBase& dataBase();
+  LedgerQueries& queries();
 
-  std::shared_ptr<LCommandDocument> document_;
+  std::shared_ptr<LDocument> document_;
   UndoManager& undoManager_;
   std::ostream& out_;
 };

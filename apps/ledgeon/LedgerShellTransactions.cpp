@@ -8,6 +8,8 @@
 #include "Commands/Edit/SetPropertyCommands.h"
 #include "Commands/GenericBatchCommand.h"
 #include "DataBase/DataBase.h"
+#include "Documents/LDocument.h"
+#include "Documents/LedgerQueries.h"
 #include "LedgerListing.h"
 #include "LedgerShell.h"
 #include "Subcommand.h"
@@ -62,7 +64,7 @@ void LedgerShell::transactionRequest(const std::string& verb, const Arguments& a
     if (arguments.positional.size() > 1) throw CommandFailure("usage: transaction list [ACCOUNT]");
     LObject* account =
         arguments.positional.empty() ? nullptr : &requireAccount(arguments.positional[0]);
-    const auto rows = transactionRows(dataBase(), account);
+    const auto rows = queries().transactionRows(account);
     if (arguments.json) {
       out_ << transactionsJson(rows).dump(2) << '\n';
     } else {
@@ -119,14 +121,8 @@ void LedgerShell::addTransaction(const Arguments& arguments) {
                                      : split.transfer;
       if (slot) throw CommandFailure(key + "= given twice for one split");
       slot = value;
-    } else if (key == "payee") {
-      properties.set("userPayee", Value(&requireNamed("UserPayee", "payee", value)));
-    } else if (key == "note") {
-      properties.set("note", Value(value));
-    } else if (key == "check") {
-      properties.set("checkNumber", Value(value));
-    } else if (key == "status") {
-      properties.set("reconcileStatus", Value(reconcileStatusCode(value)));
+    } else {
+      transactionProperty(key, value, properties);
     }
   }
 
@@ -152,9 +148,6 @@ std::vector<EditDict> LedgerShell::transactionLines(const std::vector<SplitReque
     if (split.transfer) {
       LObject& target = requireAccount(*split.transfer);
       if (&target == &account) throw CommandFailure("a transfer goes to another account");
-      if (transferAccount && transferAccount != &target) {
-        throw CommandFailure("a transaction transfers to one account only");
-      }
       transferAccount = &target;
       line.set("transfer", Value(*split.transfer));
     }
@@ -166,6 +159,23 @@ std::vector<EditDict> LedgerShell::transactionLines(const std::vector<SplitReque
   }
   if (transferAccount) properties.set("targetAccount", Value(transferAccount));
   return lines;
+}
+
+bool LedgerShell::transactionProperty(const std::string& key, const std::string& value,
+                                      EditDict& properties) {
+  if (key == "payee") {
+    properties.set("userPayee",
+                   value == "-" ? Value() : Value(&requireNamed("UserPayee", "payee", value)));
+  } else if (key == "note") {
+    properties.set("note", Value(value));
+  } else if (key == "check") {
+    properties.set("checkNumber", Value(value));
+  } else if (key == "status") {
+    properties.set("reconcileStatus", Value(reconcileStatusCode(value)));
+  } else {
+    return false;
+  }
+  return true;
 }
 
 void LedgerShell::editTransaction(const Arguments& arguments) {
@@ -186,15 +196,8 @@ void LedgerShell::editTransaction(const Arguments& arguments) {
       const Amount amount = parseAmountArgument("amount", value);
       changes.set("amount", Value(amount));
       lineChanges.set("amount", Value(amount));
-    } else if (key == "payee") {
-      changes.set("userPayee",
-                  value == "-" ? Value() : Value(&requireNamed("UserPayee", "payee", value)));
-    } else if (key == "note") {
-      changes.set("note", Value(value));
-    } else if (key == "check") {
-      changes.set("checkNumber", Value(value));
-    } else if (key == "status") {
-      changes.set("reconcileStatus", Value(reconcileStatusCode(value)));
+    } else if (transactionProperty(key, value, changes)) {
+      continue;
     } else if (key == "category") {
       lineChanges.set("categoryTag", value == "-" ? Value() : Value(&requireCategory(value)));
     } else if (key == "tags") {

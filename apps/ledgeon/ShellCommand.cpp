@@ -10,6 +10,7 @@
 
 #include "DataBase/DataBase.h"
 #include "Documents/LDocument.h"
+#include "Documents/LedgerQueries.h"
 #include "LedgerListing.h"
 #include "LedgerShell.h"
 #include "OpenLedger.h"
@@ -54,7 +55,7 @@ void runShell(const LedgerOptions& options) {
 
 void listAccounts(const LedgerOptions& options) {
   OpenLedger ledger(options.document, options.answers);
-  const auto rows = accountRows(ledger->dataBase());
+  const auto rows = ledger->ledgerQueries().accountRows();
   if (options.json) {
     std::cout << accountsJson(rows).dump(2) << '\n';
   } else {
@@ -64,14 +65,13 @@ void listAccounts(const LedgerOptions& options) {
 
 void listTransactions(const LedgerOptions& options) {
   OpenLedger ledger(options.document, options.answers);
+  LedgerQueries& queries = ledger->ledgerQueries();
   LObject* account = nullptr;
   if (!options.account.empty()) {
-    for (LObject* candidate : ledger->dataBase().instancesOfClass("Account")) {
-      if (candidate->stringForKey("name") == options.account) account = candidate;
-    }
+    account = queries.accountNamed(options.account);
     if (!account) throw CommandFailure("no account named \"" + options.account + "\"");
   }
-  const auto rows = transactionRows(ledger->dataBase(), account);
+  const auto rows = queries.transactionRows(account);
   if (options.json) {
     std::cout << transactionsJson(rows).dump(2) << '\n';
   } else {
@@ -87,6 +87,17 @@ void addDocumentOptions(CLI::App& command, LedgerOptions& options) {
                      "\"Don\u2019t Back Up\" on closing");
 }
 
+// A subcommand that prints part of a document, as text or with --json.
+CLI::App* addListing(CLI::App& app, const char* name, const char* description,
+                     const std::shared_ptr<LedgerOptions>& options,
+                     void (*list)(const LedgerOptions&)) {
+  auto* command = app.add_subcommand(name, description);
+  addDocumentOptions(*command, *options);
+  command->add_flag("--json", options->json, "Print JSON");
+  command->callback([options, list] { list(*options); });
+  return command;
+}
+
 const SubcommandRegistration registration(295, [](CLI::App& app) {
   auto options = std::make_shared<LedgerOptions>();
   auto* shell = app.add_subcommand(
@@ -96,18 +107,16 @@ const SubcommandRegistration registration(295, [](CLI::App& app) {
   addDocumentOptions(*shell, *options);
   shell->callback([options] { runShell(*options); });
 
-  auto* accounts = app.add_subcommand("accounts", "List a document's accounts with their balances");
-  addDocumentOptions(*accounts, *options);
-  accounts->add_flag("--json", options->json, "Print JSON");
-  accounts->callback([options] { listAccounts(*options); });
-
-  auto* transactions = app.add_subcommand(
-      "transactions", "List a document's transactions with their splits and transfers");
-  addDocumentOptions(*transactions, *options);
-  transactions->add_option("--account", options->account,
-                           "Only this account's transactions and the transfers it receives");
-  transactions->add_flag("--json", options->json, "Print JSON");
-  transactions->callback([options] { listTransactions(*options); });
+  addListing(app, "accounts",
+             "List a document's accounts with their balances; investment accounts with their "
+             "cash and holdings apart",
+             options, listAccounts);
+  addListing(app, "transactions",
+             "List a document's transactions: cash-flow ones with their splits and transfers, "
+             "investment ones with action, security, units, price and commission",
+             options, listTransactions)
+      ->add_option("--account", options->account,
+                   "Only this account's transactions and the transfers it receives");
 });
 
 }  // namespace

@@ -12,6 +12,7 @@
 #include "DataBase/DataBase.h"
 #include "DataBase/DataBaseNotifications.h"
 #include "Documents/LDocumentStrings.h"
+#include "Documents/LedgerQueries.h"
 #include "Documents/internal/OpenDataBases.h"
 #include "LObjects/Model.h"
 #include "Platform/Preferences.h"
@@ -65,43 +66,15 @@ void LDocument::commandDirtiedDocument() {
   validDatabaseChangeForBackup_ = true;
 }
 
-LObject* LDocument::accountTypeForClass(std::string_view className) {
-  if (auto it = accountTypeCache_.find(className); it != accountTypeCache_.end()) {
-    return it->second;
+LedgerQueries& LDocument::ledgerQueries() {
+  if (!ledgerQueries_) {
+    throw std::logic_error("The document " + package_.documentName() + " is closed");
   }
-  const EntityDescription* entity = Model::shared().entity(className);
-  if (!entity || !entity->isKindOf("AccountType")) return nullptr;
-  for (LObject* type : dataBase().instancesOfClass(className)) {
-    if (type->className() == className) {
-      accountTypeCache_.emplace(std::string(className), type);
-      return type;
-    }
-  }
-  return nullptr;
-}
-
-LObject* LDocument::categoryNamed(std::string_view fullName) {
-  if (categoryCache_.empty()) {
-    for (LObject* category : dataBase().instancesOfClass("CategoryTag")) {
-      std::string name = category->stringForKey("name");
-      // A cycle in a damaged tree must not hang the lookup.
-      size_t depth = 0;
-      for (LObject* parent = category->objectForKey("parentCategory"); parent && depth < 64;
-           parent = parent->objectForKey("parentCategory"), ++depth) {
-        name = parent->stringForKey("name") + ":" + name;
-      }
-      categoryCache_.emplace(std::move(name), category);
-    }
-  }
-  const auto it = categoryCache_.find(fullName);
-  return it == categoryCache_.end() ? nullptr : it->second;
+  return *ledgerQueries_;
 }
 
 void LDocument::clearCacheForClass(const std::string& className) {
-  const EntityDescription* entity = Model::shared().entity(className);
-  if (!entity) return;
-  if (entity->isKindOf("AccountType")) accountTypeCache_.clear();
-  if (entity->isKindOf("CategoryTag")) categoryCache_.clear();
+  if (ledgerQueries_) ledgerQueries_->clearCacheForClass(className);
 }
 
 std::vector<DataBase*> LDocument::openDataBases() { return openDataBaseList(); }

@@ -20,6 +20,7 @@ namespace ledgeon {
 
 class DataBase;
 class LCommandManager;
+class LedgerQueries;
 class LObject;
 class Preferences;
 class UndoManager;
@@ -89,10 +90,9 @@ class LDocument final : public LCommandDocument, public std::enable_shared_from_
     deleteParentDirectoryWhenClosed_ = remove;
   }
 
-  // Per-document caches. The account type object of an AccountType class ("Checking"); the
-  // category of a full name ("Food:Groceries"). Both are dropped when their class changes.
-  LObject* accountTypeForClass(std::string_view className);
-  LObject* categoryNamed(std::string_view fullName);
+  // The ledger's lookups and balances, with the document's caches (account types, the category
+  // tree), dropped when their class changes. Like dataBase(), not after close.
+  LedgerQueries& ledgerQueries();
   void clearCacheForClass(const std::string& className);
 
   // What the open and the close took and did, for measurements and the close report.
@@ -168,8 +168,7 @@ class LDocument final : public LCommandDocument, public std::enable_shared_from_
   bool validDatabaseChangeForBackup_ = false;
   bool deleteParentDirectoryWhenClosed_ = false;
   std::string clientDocumentId_;
-  std::map<std::string, LObject*, std::less<>> accountTypeCache_;  // found-class cache
-  std::map<std::string, LObject*, std::less<>> categoryCache_;     // object cache
+  std::unique_ptr<LedgerQueries> ledgerQueries_;
   std::vector<ScopedObserver> observers_;
   OpenEvent openEvent_;
   CloseEvent closeEvent_;

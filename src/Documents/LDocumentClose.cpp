@@ -7,6 +7,7 @@
 #include "DataBase/DataBase.h"
 #include "Documents/LDocument.h"
 #include "Documents/LDocumentStrings.h"
+#include "Documents/LedgerQueries.h"
 #include "Documents/internal/OpenDataBases.h"
 #include "Platform/ApplicationPaths.h"
 #include "Platform/Preferences.h"
@@ -52,8 +53,7 @@ void LDocument::close() {
 
   if (dataBase_) {
     documents_internal::removeOpenDataBase(dataBase_.get());
-    accountTypeCache_.clear();
-    categoryCache_.clear();
+    ledgerQueries_.reset();
     dataBase_->close();
     dataBase_.reset();
   }

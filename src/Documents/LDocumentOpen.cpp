@@ -9,6 +9,7 @@
 #include "DataBase/DataBaseNotifications.h"
 #include "Documents/LDocument.h"
 #include "Documents/LDocumentStrings.h"
+#include "Documents/LedgerQueries.h"
 #include "Documents/internal/OpenDataBases.h"
 #include "Platform/ApplicationPaths.h"
 #include "Platform/Preferences.h"
@@ -121,8 +122,6 @@ Result<void> LDocument::refuseEncipheredPackage() {
 }
 
 void LDocument::setUpCachesAndCommandManager() {
-  accountTypeCache_.clear();
-  categoryCache_.clear();
   undoManager_ = LCommandManager::createUndoManager();
   undoManager_->setGroupsByEvent(false);
   undoManager_->setLevelsOfUndo(kLevelsOfUndo);
@@ -191,6 +190,7 @@ Result<void> LDocument::openDataBase() {
   }
   if (!opened) return fileOpenError(opened.error().localizedDescription());
   dataBase_ = std::move(opened).value();
+  ledgerQueries_ = std::make_unique<LedgerQueries>(*dataBase_);
   documents_internal::addOpenDataBase(dataBase_.get());
   try {
     dataBase_->setStoreMetadataValue(kLastOpenedTimestampKey, Clock::now().description());

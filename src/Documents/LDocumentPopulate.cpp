@@ -192,7 +192,7 @@ void LDocument::addMissingAccountTypes() {
     }
     existing.emplace(entity->name, &dataBase_->createEntity(entity->name, data));
   }
-  accountTypeCache_.clear();
+  clearCacheForClass("AccountType");
 }
 
 void LDocument::addDefaultCategories() {
@@ -219,7 +219,7 @@ void LDocument::addDefaultCategories() {
     }
     made.emplace(std::string(fullName), &dataBase_->createEntity("CategoryTag", data));
   }
-  categoryCache_.clear();
+  clearCacheForClass("CategoryTag");
 }
 
 }  // namespace ledgeon

@@ -285,8 +285,8 @@ void ImportLIFFileCommand::applyInvestmentTransaction(const LIFInvestmentTransac
 
 void ImportLIFFileCommand::applyStockSplit(const LIFInvestmentTransaction& record,
                                            LObject& position, EditDict& properties) {
-  const Amount before =
-      ImportLedger::unitsForPosition(position, record.date.value_or(LDateUtilities::currentDate()));
+  const Amount before = LedgerQueries::unitsForPosition(
+      position, record.date.value_or(LDateUtilities::currentDate()));
   const LIFStockSplit split = LIFStockSplit::forUnits(before, record.quantity, record.splitForm);
   if (split.newUnits.isNaN() || split.numerator.isNaN() || split.denominator.isNaN()) {
     importLog().add(ImportLogSeverity::kWarning,

@@ -84,9 +84,10 @@ bool ImportLIFFileCommand::useThisSplitTransaction(ImportTransaction& transactio
                                                    LObject* account,
                                                    const Amount& transactionTotal) {
   // The checking account's copy of a split transaction is the one kept.
-  if (!ImportLedger::isChecking(account)) {
+  if (!LedgerQueries::isAccountOfKind(account, "Checking")) {
     for (const ImportSplit& line : transaction.lines) {
-      if (line.isTransfer() && ImportLedger::isChecking(ledger_->accountNamed(line.transfer))) {
+      if (line.isTransfer() &&
+          LedgerQueries::isAccountOfKind(ledger_->accountNamed(line.transfer), "Checking")) {
         return false;
       }
     }
@@ -197,11 +198,10 @@ void ImportLIFFileCommand::applyPrices() {
 }
 
 void ImportLIFFileCommand::logAccountBalanceDifferences(ImportLogNode& node) {
-  DataBase& dataBase = requireDocument().dataBase();
   for (const auto& [name, reported] : accountStatementBalances_) {
     LObject* account = ledger_->accountNamed(name);
     if (!account || reported.isNaN()) continue;
-    const Amount total = ImportLedger::endingRealTransactionBalance(dataBase, *account);
+    const Amount total = ledger_->queries().balanceOfAccount(*account);
     if (total.compare(reported) == ComparisonResult::Same) continue;
     node.addChild(ImportLogSeverity::kInfo,
                   stringWithFormat("Cash balance doesn't match for account %@. Balance reported "

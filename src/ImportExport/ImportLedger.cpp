@@ -41,7 +41,10 @@ int64_t implicitSignFor(const EntityDescription& entity) {
 
 ImportLedger::ImportLedger(std::shared_ptr<LCommandDocument> document, std::string dataSource,
                            std::vector<std::shared_ptr<KVCommand>>& keptCommands)
-    : document_(document), dataSource_(std::move(dataSource)), keptCommands_(keptCommands) {}
+    : document_(document),
+      dataSource_(std::move(dataSource)),
+      keptCommands_(keptCommands),
+      queries_(document->dataBase()) {}
 
 bool ImportLedger::run(const std::shared_ptr<KVCommand>& command) {
   if (!command->execute()) return false;
@@ -89,16 +92,7 @@ LObject* ImportLedger::accountNamed(const std::string& name) {
   return lookup(accounts_, "Account", name);
 }
 LObject* ImportLedger::categoryNamed(const std::string& name) {
-  // A category is known by its own name or by its full name ("Food:Groceries").
-  if (const auto found = categories_.find(name); found != categories_.end()) return found->second;
-  const auto objects = sharedDocument()->dataBase().instancesOfClass(
-      "CategoryTag",
-      {.predicate = Predicate::withFormat("internalName == %@ OR name == %@", name, name),
-       .sortDescriptors = {{"internalName", false}},
-       .fetchLimit = 1});
-  LObject* category = objects.empty() ? nullptr : objects.front();
-  categories_.emplace(name, category);
-  return category;
+  return queries_.categoryNamed(name);
 }
 LObject* ImportLedger::tagNamed(const std::string& name) { return lookup(tags_, "Tag", name); }
 LObject* ImportLedger::securityNamed(const std::string& name) {
@@ -130,16 +124,8 @@ LObject* ImportLedger::accountTypeNamed(const std::string& typeName) {
   }
   // A document holds one account type object per class; the plain ones are told by name.
   const AccountTypeClass wanted = accountTypeClassFor(typeName);
-  LObject* type = nullptr;
-  for (LObject* candidate : sharedDocument()->dataBase().instancesOfClass("AccountType")) {
-    if (candidate->className() != wanted.className) continue;
-    if (std::string_view(wanted.className) == "AccountType" &&
-        candidate->stringForKey("name") != wanted.name) {
-      continue;
-    }
-    type = candidate;
-    break;
-  }
+  const bool plain = std::string_view(wanted.className) == "AccountType";
+  LObject* type = queries_.accountTypeForClass(wanted.className, plain ? wanted.name : "");
   if (!type) {
     const EntityDescription& entity =
         sharedDocument()->dataBase().entityDescriptionForName(wanted.className);
@@ -154,11 +140,6 @@ LObject* ImportLedger::accountTypeNamed(const std::string& typeName) {
   return type;
 }
 
-bool ImportLedger::isChecking(LObject* account) {
-  LObject* type = account ? account->objectForKey("type") : nullptr;
-  return type && type->entity().isKindOf("Checking");
-}
-
 LObject* ImportLedger::createAccount(EditDict properties) {
   const Value* name = properties.find("name");
   LObject* account = created(
@@ -170,9 +151,7 @@ LObject* ImportLedger::createAccount(EditDict properties) {
 LObject* ImportLedger::createCategory(EditDict properties) {
   LObject* category = created(std::make_shared<CreateLObjectCommand>(
       "CategoryTag", std::move(properties), sharedDocument()));
-  if (category) {
-    categories_[category->stringForKey("name")] = category;
-  }
+  if (category) queries_.noteCategoryAdded(*category);
   return category;
 }
 
@@ -280,61 +259,6 @@ LObject* ImportLedger::createCashFlowTransaction(const ImportTransaction& transa
       std::move(properties), std::move(lines), sharedDocument()));
   if (created) ++transactionsCreated_[transaction.account];
   return created;
-}
-
-Amount ImportLedger::endingRealTransactionBalance(DataBase& dataBase, LObject& account) {
-  const std::string name = account.stringForKey("name");
-  Amount balance = Amount::zero();
-  for (LObject* transaction : account.objectsForKey("transactions")) {
-    if (transaction->isLObjectDeleted()) continue;
-    balance = balance.decimalNumberByAdding(decimalNumberFrom(*transaction, "amount"));
-  }
-  const auto lines = dataBase.instancesOfClass(
-      "CashFlowTransactionEntry", {.predicate = Predicate::withFormat("transfer == %@", name)});
-  for (LObject* line : lines) {
-    LObject* parent = line->objectForKey("parent");
-    if (!parent || parent->isLObjectDeleted() || parent->objectForKey("account") == &account) {
-      continue;
-    }
-    balance = balance.decimalNumberBySubtracting(decimalNumberFrom(*line, "amount"));
-  }
-  return balance;
-}
-
-int ImportLedger::unitsDirectionForType(int64_t type) {
-  switch (type) {
-    case 2:   // shares in
-    case 3:   // buy
-    case 4:   // buy (bond)
-    case 5:   // buy to close
-    case 13:  // reinvestments
-    case 14:
-    case 15:
-    case 16:
-    case 23:  // split: the units it added
-      return 1;
-    case 17:  // shares out
-    case 19:  // sell
-    case 20:  // sell (bond)
-    case 21:  // sell to open
-      return -1;
-    default:
-      return 0;
-  }
-}
-
-Amount ImportLedger::unitsForPosition(LObject& position, Date date) {
-  Amount units = Amount::zero();
-  for (LObject* transaction : position.objectsForKey("transactions")) {
-    if (transaction->isLObjectDeleted()) continue;
-    const Value entered = transaction->valueForKey("enteredDate");
-    if (!entered.isNull() && entered.asDate() > date) continue;
-    const int direction = unitsDirectionForType(transaction->integerForKey("type"));
-    const Amount moved = decimalNumberFrom(*transaction, "units").abs();
-    if (direction > 0) units = units.decimalNumberByAdding(moved);
-    if (direction < 0) units = units.decimalNumberBySubtracting(moved);
-  }
-  return units;
 }
 
 }  // namespace ledgeon

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "Commands/LCommandDocument.h"
+#include "Documents/LedgerQueries.h"
 #include "ImportExport/ImportTransaction.h"
 #include "LObjects/Value.h"
 #include "Utilities/Amount.h"
@@ -47,8 +48,6 @@ class ImportLedger final {
   // The account type object for a type name ("CHECKING", "CREDITLINE", ...): the document's
   // object of the account-type class the name stands for, made when the document has none yet.
   LObject* accountTypeNamed(const std::string& typeName);
-  // Whether the account is a checking account.
-  static bool isChecking(LObject* account);
   // Creations through the creation commands; null when the command failed.
   LObject* createAccount(EditDict properties);
   LObject* createCategory(EditDict properties);
@@ -63,14 +62,8 @@ class ImportLedger final {
   // Transactions this import created, per owning account.
   const std::map<LObject*, size_t>& transactionsCreated() const { return transactionsCreated_; }
 
-  // The sum of what the account's undeleted transactions move: their amounts, and the mirror of
-  // every transfer line of another account's transaction naming it.
-  static Amount endingRealTransactionBalance(DataBase& dataBase, LObject& account);
-  // The units a position holds at the end of `date`, summed from its transactions (shares in,
-  // buys and reinvestments add; shares out and sells take away; a split adds what it added).
-  static Amount unitsForPosition(LObject& position, Date date);
-  // Whether an investment-transaction type code adds (+1), removes (-1) or leaves (0) units.
-  static int unitsDirectionForType(int64_t type);
+  // The ledger's lookups and balances, as they stand during the import.
+  LedgerQueries& queries() { return queries_; }
 
  private:
   LObject* created(const std::shared_ptr<KVCommand>& command);
@@ -85,9 +78,9 @@ class ImportLedger final {
   std::weak_ptr<LCommandDocument> document_;
   Value dataSource_;
   std::vector<std::shared_ptr<KVCommand>>& keptCommands_;
+  LedgerQueries queries_;
   std::map<std::string, LObject*, std::less<>> accounts_;
   std::map<std::string, LObject*, std::less<>> accountTypes_;
-  std::map<std::string, LObject*, std::less<>> categories_;
   std::map<std::string, LObject*, std::less<>> tags_;
   std::map<std::string, LObject*, std::less<>> securities_;
   std::map<std::string, LObject*, std::less<>> userPayees_;

@@ -14,6 +14,7 @@
 #include "DocumentTestEnvironment.h"
 #include "Documents/LDocument.h"
 #include "Documents/LDocumentStrings.h"
+#include "Documents/LedgerQueries.h"
 #include "LObjects/Model.h"
 #include "Threading/RunLoop.h"
 #include "Utilities/Log.h"
@@ -78,7 +79,7 @@ TEST(LDocumentTest, NewDocumentHoldsTheAccountTypeTreeOnce) {
   };
   for (const Row& row : rows) {
     SCOPED_TRACE(row.className);
-    LObject* type = document->accountTypeForClass(row.className);
+    LObject* type = document->ledgerQueries().accountTypeForClass(row.className);
     ASSERT_NE(type, nullptr);
     EXPECT_EQ(type->className(), row.className);
     EXPECT_EQ(type->integerForKey("implicitSign"), row.implicitSign);
@@ -91,7 +92,7 @@ TEST(LDocumentTest, NewDocumentHoldsTheAccountTypeTreeOnce) {
   }
   DataBase& db = document->dataBase();
   EXPECT_EQ(db.countForInstancesOfClass("AccountType"), classes);
-  EXPECT_EQ(document->accountTypeForClass("Account"), nullptr);
+  EXPECT_EQ(document->ledgerQueries().accountTypeForClass("Account"), nullptr);
 
   // Reopening adds nothing: every class already has its object.
   const std::string id = document->clientDocumentId();
@@ -112,16 +113,18 @@ TEST(LDocumentTest, NewDocumentHoldsTheHouseholdCategoryTree) {
   for (const std::string fullName : {"Income:Salary", "Housing:Rent", "Food:Groceries",
                                      "Transport:Fuel", "Utilities:Electricity"}) {
     SCOPED_TRACE(fullName);
-    LObject* category = document->categoryNamed(fullName);
+    LObject* category = document->ledgerQueries().categoryWithFullName(fullName);
     ASSERT_NE(category, nullptr);
     const std::string parentName = fullName.substr(0, fullName.find(':'));
-    EXPECT_EQ(category->objectForKey("parentCategory"), document->categoryNamed(parentName));
+    EXPECT_EQ(category->objectForKey("parentCategory"),
+              document->ledgerQueries().categoryWithFullName(parentName));
     EXPECT_EQ(category->stringForKey("name"), fullName.substr(fullName.find(':') + 1));
   }
   // The kinds imported categories get: 2 income, 1 expense.
-  EXPECT_EQ(document->categoryNamed("Income")->integerForKey("type"), 2);
-  EXPECT_EQ(document->categoryNamed("Income:Bonus")->integerForKey("type"), 2);
-  EXPECT_EQ(document->categoryNamed("Food")->integerForKey("type"), 1);
+  EXPECT_EQ(document->ledgerQueries().categoryWithFullName("Income")->integerForKey("type"), 2);
+  EXPECT_EQ(document->ledgerQueries().categoryWithFullName("Income:Bonus")->integerForKey("type"),
+            2);
+  EXPECT_EQ(document->ledgerQueries().categoryWithFullName("Food")->integerForKey("type"), 1);
   // Category ids are unique: imports and the cloud match categories on them.
   std::vector<int64_t> ids;
   for (LObject* category : document->dataBase().instancesOfClass("CategoryTag")) {

@@ -192,7 +192,7 @@ TEST_F(ImportLIFFileCommandTest, InvestmentActionsSplitsBondsAndTransfers) {
   // 100 bought, doubled, half again, then 10 more.
   LObject* position = investments[0]->objectForKey("position");
   ASSERT_NE(position, nullptr);
-  EXPECT_EQ(ImportLedger::unitsForPosition(*position, *LDateUtilities::dateWithYear(2030, 1, 1))
+  EXPECT_EQ(LedgerQueries::unitsForPosition(*position, *LDateUtilities::dateWithYear(2030, 1, 1))
                 .compare(Amount::fromString("310")),
             ComparisonResult::Same);
   // The cash records are cash-flow transactions of the investment account.

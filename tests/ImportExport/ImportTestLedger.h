@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "DataBase/DataBase.h"
+#include "Documents/LedgerQueries.h"
 #include "ImportExport/ImportLedger.h"
 #include "LObjects/LObject.h"
 #include "Platform/ScriptedUserInterface.h"
@@ -47,7 +48,7 @@ class ImportTestLedger {
     return *found;
   }
   std::string balance(const std::string& name) {
-    return ImportLedger::endingRealTransactionBalance(db(), account(name)).stringValue();
+    return LedgerQueries(db()).balanceOfAccount(account(name)).stringValue();
   }
   size_t count(const char* entity) { return db().countForInstancesOfClass(entity); }
   // The undeleted transactions of an account, by date then amount.

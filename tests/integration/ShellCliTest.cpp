@@ -1,3 +1,4 @@
+#include <map>
 #include <string>
 #include <vector>
 
@@ -97,6 +98,47 @@ TEST_F(ShellCliTest, ScriptEntersSplitsAndTransfersWithUndoAndRedo) {
   EXPECT_EQ(savings[0]["amount"], "500.00");
   EXPECT_EQ(savings[0]["transferAccount"], "Checking");
   EXPECT_EQ(savings[0]["splits"][0]["transfer"], "Checking");
+}
+
+// Symptom: the shell refused "transaction add" lines whose splits transfer to two accounts ("a
+// transaction transfers to one account only"). Cause: a transaction had one target account, and
+// balances credited all its transfer lines to it. Fix: each transfer line is credited to the
+// account it names, so the shell takes such lines; renaming an account renames the transfer
+// lines that name it in the same undoable step.
+TEST_F(ShellCliTest, SplitsTransferToDifferentAccountsAndFollowARename) {
+  const auto run = shell(
+      "account add Wallet\n"
+      "transaction add Checking 2025-03-02 -1000 split=-600 transfer=Savings "
+      "split=-300 transfer=Wallet split=-100 category=\"Bank Fees\"\n"
+      "account edit Savings name=\"Rainy Day\"\n");
+  ASSERT_EQ(run.exitStatus, 0) << run.err;
+  const auto balances = [&] {
+    std::map<std::string, std::string> byName;
+    for (const auto& row : accounts()) byName[row["name"]] = row["balance"];
+    return byName;
+  };
+  using Balances = std::map<std::string, std::string>;
+  EXPECT_EQ(balances(),
+            (Balances{{"Checking", "-1000.00"}, {"Rainy Day", "600.00"}, {"Wallet", "300.00"}}));
+  const auto rainyDay = json({"transactions", doc_, "--account", "Rainy Day", "--json"});
+  ASSERT_EQ(rainyDay.size(), 1u);
+  EXPECT_EQ(rainyDay[0]["amount"], "600.00");
+  EXPECT_EQ(transactions()[0]["splits"][0]["transfer"], "Rainy Day");
+
+  const auto undone = shell("undo\n");
+  ASSERT_EQ(undone.exitStatus, 1);  // each session starts with an empty history
+  const auto renamedBack = shell("account edit \"Rainy Day\" name=Savings\nundo\nredo\n");
+  ASSERT_EQ(renamedBack.exitStatus, 0) << renamedBack.err;
+  EXPECT_NE(renamedBack.out.find("Undo Change Name Account\nRedo Change Name Account\n"),
+            std::string::npos)
+      << renamedBack.out;
+  EXPECT_EQ(balances(),
+            (Balances{{"Checking", "-1000.00"}, {"Savings", "600.00"}, {"Wallet", "300.00"}}));
+  EXPECT_EQ(transactions()[0]["splits"][0]["transfer"], "Savings");
+  const auto deleted = shell("account delete Savings\n");
+  EXPECT_EQ(deleted.exitStatus, 1);
+  EXPECT_NE(deleted.err.find("account \"Savings\" still has 1 transaction(s)"), std::string::npos)
+      << deleted.err;
 }
 
 TEST_F(ShellCliTest, EditsAndDeletionsUndoInOrder) {

@@ -10,6 +10,7 @@
 
 #include "DataBase/DataBase.h"
 #include "Documents/LDocument.h"
+#include "Documents/LedgerQueries.h"
 #include "LObjects/Value.h"
 #include "Utilities/Amount.h"
 #include "Utilities/LDateUtilities.h"
@@ -31,10 +32,10 @@ int main(int argc, char** argv) {
   LObject* account = nullptr;
   {
     ScopedStoreTransaction setup(document);
-    account =
-        &db.createEntity("Account", {{"name", Value("Batch Checking")},
-                                     {"currency", Value("USD")},
-                                     {"type", Value(document.accountTypeForClass("Checking"))}});
+    account = &db.createEntity(
+        "Account", {{"name", Value("Batch Checking")},
+                    {"currency", Value("USD")},
+                    {"type", Value(document.ledgerQueries().accountTypeForClass("Checking"))}});
     if (!setup.end()) return 1;
   }
   std::cout << "ready" << std::endl;
