@@ -65,9 +65,8 @@ TransactionRow ownRow(LObject& transaction) {
   TransactionRow row;
   row.id = transaction.integerForKey("ledgeonId");
   row.account = nameOf(transaction.objectForKey("account"));
-  row.date = transaction.valueForKey("enteredDate").isNull()
-                 ? Date()
-                 : transaction.valueForKey("enteredDate").asDate();
+  const Value entered = transaction.valueForKey("enteredDate");
+  if (!entered.isNull()) row.date = entered.asDate();
   row.amount = transaction.amountForKey("amount");
   row.payee = nameOf(transaction.objectForKey("userPayee"));
   row.note = transaction.stringForKey("note");
@@ -197,7 +196,7 @@ nlohmann::json transactionsJson(const std::vector<TransactionRow>& rows) {
     }
     out.push_back({{"id", row.id},
                    {"account", row.account},
-                   {"date", formatDate(row.date)},
+                   {"date", row.date ? nlohmann::json(formatDate(*row.date)) : nullptr},
                    {"amount", exactMoneyText(row.amount, row.fractionDigits)},
                    {"payee", row.payee},
                    {"note", row.note},
@@ -218,8 +217,9 @@ void printAccounts(std::ostream& out, const std::vector<AccountRow>& rows) {
 
 void printTransactions(std::ostream& out, const std::vector<TransactionRow>& rows) {
   for (const TransactionRow& row : rows) {
-    std::string line = fmt::format("{:>5}  {}  {:<16} {:>12}", row.id, formatDate(row.date),
-                                   row.account, exactMoneyText(row.amount, row.fractionDigits));
+    std::string line =
+        fmt::format("{:>5}  {:<10}  {:<16} {:>12}", row.id, row.date ? formatDate(*row.date) : "-",
+                    row.account, exactMoneyText(row.amount, row.fractionDigits));
     if (!row.payee.empty()) line += "  " + row.payee;
     if (!row.transferAccount.empty()) line += "  [transfer " + row.transferAccount + "]";
     if (!row.checkNumber.empty()) line += " #" + row.checkNumber;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <ostream>
 #include <string>
 #include <vector>
@@ -41,7 +42,7 @@ struct SplitRow {
 struct TransactionRow {
   int64_t id = 0;  // the ledgeonId
   std::string account;
-  Date date;
+  std::optional<Date> date;  // none when the file it came from had no date that reads
   Amount amount;
   std::string payee;
   std::string note;
