@@ -52,10 +52,14 @@ struct ImportOptions {
 };
 
 void runImport(const ImportOptions& options) {
-  // The question a LIF import ends with: "OK", or "Show Logs" to be shown the log file.
-  OpenLedger document(options.document, {options.showLogs ? "Show Logs" : "OK"});
+  OpenLedger document(options.document);
   auto command = importCommandForFile(options.file, options.format, document.shared());
+  // The question a successful LIF import ends with: "OK", or "Show Logs" to be shown the log
+  // file. Only that question: a CSV import does not ask it, and closing asks its own.
+  TerminalUserInterface& terminal = TerminalUserInterface::shared();
+  terminal.setStandingAnswer(options.showLogs ? "Show Logs" : "OK");
   const bool imported = command->execute();
+  terminal.setStandingAnswer("");
   if (const auto& log = command->log()) {
     if (options.json) {
       const nlohmann::json out = {
