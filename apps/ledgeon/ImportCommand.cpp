@@ -12,9 +12,9 @@
 #include "DemoStep.h"
 #include "Documents/LDocument.h"
 #include "Documents/LedgerQueries.h"
+#include "ImportExport/ImportFileKind.h"
 #include "ImportExport/ImportLIFFileCommand.h"
 #include "ImportExport/ImportTextFileCommand.h"
-#include "ImportExport/TextFileReader.h"
 #include "LObjects/LObject.h"
 #include "OpenLedger.h"
 #include "Subcommand.h"
@@ -24,13 +24,12 @@
 namespace ledgeon::cli {
 
 std::string formatOfFile(const std::string& file) {
-  auto text = TextFileReader::readFile(file);
-  if (!text) throw CommandFailure(text.error().localizedDescription());
-  for (const std::string_view line : TextFileReader::splitLines(*text)) {
-    if (line.find_first_not_of(" \t") == std::string_view::npos) continue;
-    return line.front() == '!' ? "lif" : "csv";
+  const auto kind = ImportFileKind::ofFile(file);
+  if (!kind) throw CommandFailure(kind.error().localizedDescription());
+  if (kind->kind() == ImportFileKind::Kind::kEmpty) {
+    throw CommandFailure("\"" + file + "\" is empty");
   }
-  throw CommandFailure("\"" + file + "\" is empty");
+  return kind->kind() == ImportFileKind::Kind::kLIF ? "lif" : "csv";
 }
 
 std::shared_ptr<ImportFileCommand> importCommandForFile(
@@ -53,13 +52,20 @@ struct ImportOptions {
 };
 
 void runImport(const ImportOptions& options) {
-  // The question a LIF import ends with: "OK", or "Show Logs" to be shown the log file.
-  OpenLedger document(options.document, {options.showLogs ? "Show Logs" : "OK"});
+  OpenLedger document(options.document);
   auto command = importCommandForFile(options.file, options.format, document.shared());
+  // The question a successful LIF import ends with: "OK", or "Show Logs" to be shown the log
+  // file. Only that question: a CSV import does not ask it, and closing asks its own.
+  TerminalUserInterface& terminal = TerminalUserInterface::shared();
+  terminal.setStandingAnswer(options.showLogs ? "Show Logs" : "OK");
   const bool imported = command->execute();
+  terminal.setStandingAnswer("");
   if (const auto& log = command->log()) {
     if (options.json) {
-      std::cout << nlohmann::json::parse(log->jsonText()).dump(2) << "\n";
+      const nlohmann::json out = {
+          {"log", nlohmann::json::parse(log->jsonText())},
+          {"summary", nlohmann::json::parse(command->summary().jsonText())}};
+      std::cout << out.dump(2) << "\n";
     } else {
       std::cout << log->plainText();
     }
@@ -80,7 +86,8 @@ const SubcommandRegistration registration(620, [](CLI::App& app) {
   import->add_option("file", options->file, "The file to import")->required();
   import->add_option("--format", options->format, "lif or csv (default: recognised from the file)")
       ->check(CLI::IsMember({"lif", "csv"}));
-  import->add_flag("--json", options->json, "Print the import log as a JSON tree");
+  import->add_flag("--json", options->json,
+                   "Print {\"log\": the import log as a JSON tree, \"summary\": its figures}");
   import->add_flag("--show-logs", options->showLogs,
                    "After a LIF import, show the written log file (its path, and its folder in "
                    "the file manager on a desktop)");
@@ -114,6 +121,7 @@ void showImport(DemoContext& context) {
     out << "  " << account->stringForKey("name") << ": "
         << formatMoney(document->ledgerQueries().balanceOfAccount(*account)) << "\n";
   }
+  for (const std::string& line : command->summary().lines()) out << "  " << line << "\n";
   out << "Try: ledgeon import " << path.string() << " "
       << resourcePath("demo/transactions.csv").string() << "\n";
   command.reset();

@@ -1,3 +1,4 @@
+#include <filesystem>
 #include <iostream>
 #include <memory>
 #include <string>
@@ -8,6 +9,7 @@
 
 #include "ImportExport/CSVParser.h"
 #include "ImportExport/ImportLog.h"
+#include "ImportExport/ImportSummary.h"
 #include "ImportExport/LIFReader.h"
 #include "ImportExport/TextFileReader.h"
 #include "Subcommand.h"
@@ -120,6 +122,10 @@ void runLifDump(const DumpOptions& options) {
   ImportLog log(LocalizedString("Import_LogWindowTitle"),
                 stringWithFormat(LocalizedString("Import_LogWindowPathMsgFormat"), options.file));
   LIFReader reader(log);
+  ImportSummary summary(std::filesystem::path(options.file).filename().string(),
+                        ImportSummary::Format::kLIF);
+  reader.setDroppedRecord(
+      [&](size_t line, std::string_view rule) { summary.drop(log, line, rule); });
   auto records = reader.readFile(options.file);
   if (!records) throw CommandFailure(records.error().localizedDescription());
   if (options.json) {
@@ -152,6 +158,10 @@ void runCsvDump(const DumpOptions& options) {
     for (const auto& [name, value] : row) std::cout << "  " << name << ": " << value << "\n";
   });
   if (options.json) std::cout << rows.dump(2) << "\n";
+  if (const auto& stop = parser.stop()) {
+    std::cerr << "ledgeon: reading stopped at line " << stop->line << " (" << stop->reason
+              << "); the rest of the file was not read\n";
+  }
 }
 
 const SubcommandRegistration registration(600, [](CLI::App& app) {

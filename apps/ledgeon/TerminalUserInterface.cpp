@@ -111,6 +111,9 @@ AlertResponse TerminalUserInterface::runAlert(const Alert& alert) {
     std::cerr << "> " << alert.buttons[index] << '\n';
     return AlertResponse{index, false};
   };
+  for (std::size_t i = 0; i < alert.buttons.size() && !standingAnswer_.empty(); ++i) {
+    if (lowercase(alert.buttons[i]) == lowercase(standingAnswer_)) return answer(i);
+  }
   while (!presetAnswers_.empty()) {
     const std::string wanted = lowercase(presetAnswers_.front());
     presetAnswers_.pop_front();

@@ -15,6 +15,10 @@ class TerminalUserInterface final : public UserInterface {
   static TerminalUserInterface& shared();
 
   void addPresetAnswer(std::string button) { presetAnswers_.push_back(std::move(button)); }
+  // The button pressed whenever an alert offers it, before any preset answer is used; "" for
+  // none. For the question a command may or may not meet (the one a successful import ends
+  // with), which a preset answer would outlive.
+  void setStandingAnswer(std::string button) { standingAnswer_ = std::move(button); }
 
   AlertResponse runAlert(const Alert& alert) override;
   std::optional<std::string> askForPassword(const PasswordPrompt& prompt) override;
@@ -24,6 +28,7 @@ class TerminalUserInterface final : public UserInterface {
 
  private:
   std::deque<std::string> presetAnswers_;
+  std::string standingAnswer_;
 };
 
 }  // namespace ledgeon::cli

@@ -1,5 +1,6 @@
 #include "ImportExport/CSVParser.h"
 
+#include <algorithm>
 #include <stdexcept>
 #include <utility>
 
@@ -47,6 +48,9 @@ void CSVParser::parseRowsForReceiver(const Receiver& receiver) { parseFile(recei
 
 void CSVParser::parseFile(const Receiver& receiver) {
   position_ = 0;
+  countedPosition_ = 0;
+  countedLine_ = 1;
+  stop_.reset();
   if (hasHeader_) {
     std::vector<std::string> header;
     while (auto name = parseField()) {
@@ -54,12 +58,56 @@ void CSVParser::parseFile(const Receiver& receiver) {
       if (!parseSeparator()) break;
     }
     fieldNames_ = std::move(header);
-    if (!parseLineSeparator()) return;
+    if (!parseLineSeparator()) return noteStop();
   }
-  while (auto row = parseRecord()) {
+  while (true) {
+    const size_t start = position_;
+    auto row = parseRecord();
+    if (!row) break;
+    rowLine_ = lineAt(start);
     receiver(std::move(*row));
-    if (!parseLineSeparator()) return;
+    if (!parseLineSeparator()) break;
   }
+  noteStop();
+}
+
+void CSVParser::noteStop() {
+  if (atEnd()) return;
+  const size_t line = lineAt(position_);
+  if (newlineLengthAt(position_) > 0) {
+    stop_ = CSVStop{line, "the text starts with a blank line"};
+    return;
+  }
+  if (csvString_[position_] != '"') {
+    stop_ = CSVStop{line, position_ > 0 && csvString_[position_ - 1] == '"'
+                              ? "text after the closing quote of a quoted field"
+                              : "text that cannot be read as a field"};
+    return;
+  }
+  // A quote where a field starts opens a quoted field that never closes; anywhere else it is a
+  // quote inside an unquoted field.
+  const bool fieldStart =
+      position_ == 0 || newlineLengthAt(position_ - 1) > 0 ||
+      (position_ >= separator_.size() &&
+       csvString_.compare(position_ - separator_.size(), separator_.size(), separator_) == 0);
+  stop_ = CSVStop{line, fieldStart ? "a quoted field is not closed"
+                                   : "a double quote inside a field that does not start with one"};
+}
+
+size_t CSVParser::lineAt(size_t position) {
+  // A line ends at LF, at CR (CR LF counting once), and at the Unicode line and paragraph
+  // separators, as a text editor numbers lines.
+  for (size_t i = countedPosition_; i < position; ++i) {
+    const char c = csvString_[i];
+    if (c == '\n' || (c == '\r' && (i + 1 >= csvString_.size() || csvString_[i + 1] != '\n'))) {
+      ++countedLine_;
+    } else if (c == '\xE2' && (csvString_.compare(i, 3, "\xE2\x80\xA8") == 0 ||
+                               csvString_.compare(i, 3, "\xE2\x80\xA9") == 0)) {
+      ++countedLine_;
+    }
+  }
+  countedPosition_ = std::max(countedPosition_, position);
+  return countedLine_;
 }
 
 std::optional<CSVRow> CSVParser::parseRecord() {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <functional>
 #include <map>
 #include <optional>
@@ -11,6 +12,12 @@ namespace ledgeon {
 
 // One parsed row: field name -> field text.
 using CSVRow = std::map<std::string, std::string>;
+
+// Where the grammar stopped before the end of a text, and why: the rest of the text is not read.
+struct CSVStop {
+  size_t line = 0;  // 1-based
+  std::string reason;
+};
 
 // A recursive-descent reader of comma-separated text (RFC 4180 and then some: any separator
 // string, blank lines skipped, quoted fields holding separators, line breaks and doubled quotes).
@@ -29,6 +36,10 @@ class CSVParser final {
 
   // The names in use: the given or header names plus the generated ones appended so far.
   const std::vector<std::string>& fieldNames() const { return fieldNames_; }
+  // The 1-based line the row being handed to a receiver starts on.
+  size_t rowLine() const { return rowLine_; }
+  // After a reading: where it stopped before the end of the text, if it did.
+  const std::optional<CSVStop>& stop() const { return stop_; }
 
  private:
   void parseFile(const Receiver& receiver);
@@ -41,12 +52,19 @@ class CSVParser final {
   size_t newlineLengthAt(size_t position) const;
   bool atEnd() const { return position_ >= csvString_.size(); }
   const std::string& nameOfField(size_t index);
+  // The 1-based line of `position`; positions asked for never go back within one reading.
+  size_t lineAt(size_t position);
+  void noteStop();
 
   std::string csvString_;
   std::string separator_;
   bool hasHeader_;
   std::vector<std::string> fieldNames_;
   size_t position_ = 0;
+  size_t rowLine_ = 0;
+  size_t countedPosition_ = 0;
+  size_t countedLine_ = 1;
+  std::optional<CSVStop> stop_;
 };
 
 }  // namespace ledgeon

@@ -11,8 +11,9 @@
 namespace ledgeon {
 
 ImportFileCommand::ImportFileCommand(std::filesystem::path file,
-                                     std::shared_ptr<LCommandDocument> document)
-    : KVCommand(std::move(document)), file_(std::move(file)) {
+                                     std::shared_ptr<LCommandDocument> document,
+                                     ImportSummary::Format format)
+    : KVCommand(std::move(document)), file_(std::move(file)), format_(format) {
   // One undo step for the whole file, so a user can take back an import that went wrong.
   // An import that builds a whole ledger says otherwise (ImportLIFFileCommand).
   setUndoBehavior(kUndoBehaviorUndoable);
@@ -55,6 +56,26 @@ void ImportFileCommand::startProgress(double maximum) {
   progressDialog_->setText(progressTitle());
 }
 
+void ImportFileCommand::dropRecord(size_t line, std::string_view rule) {
+  summary_.drop(*log_, line, rule);
+}
+
+void ImportFileCommand::noteFileKind(ImportFileKind::Kind expected) {
+  const auto kind = ImportFileKind::ofFile(file_);
+  if (!kind || kind->kind() == expected || kind->kind() == ImportFileKind::Kind::kText ||
+      kind->kind() == ImportFileKind::Kind::kEmpty) {
+    return;
+  }
+  summary_.fileLooksLike = kind->description();
+  if (log_) log_->add(ImportLogSeverity::kWarning, summary_.fileLooksLike);
+}
+
+void ImportFileCommand::logSummary() {
+  if (!log_ || summaryLogged_) return;
+  summary_.addToLog(*log_);
+  summaryLogged_ = true;
+}
+
 bool ImportFileCommand::pollCancel() {
   if (progressDialog_ && progressDialog_->isCancelled()) userAborted_ = true;
   return userAborted_;
@@ -67,6 +88,8 @@ bool ImportFileCommand::doit() {
   const bool canRollBack = !document.dataBase().hasChanges();
   commands_.clear();
   userAborted_ = false;
+  summary_ = ImportSummary(file_.filename().string(), format_);
+  summaryLogged_ = false;
   progressDialog_ = showsProgressDialog_
                         ? Services::shared().userInterface().beginProgress(progressTitle())
                         : nullptr;
@@ -83,6 +106,7 @@ bool ImportFileCommand::doit() {
     if (!imported) cleanUpAfterFailure(canRollBack);
     if (!transaction.end().ok()) imported = false;
   }
+  logSummary();
   progressDialog_.reset();
   return imported;
 }
@@ -95,12 +119,16 @@ void ImportFileCommand::cleanUpAfterFailure(bool rollBack) {
       progressDialog_->setBarText("Cleaning up\u2026");
     }
   } else {
+    std::string informative = failureInformativeText();
+    if (!summary_.fileLooksLike.empty()) informative += "\n" + summary_.fileLooksLike + ".";
     Services::shared().userInterface().runAlert(
         {typographicQuotes(stringWithFormat("Could not import <<%@>>", file_.filename().string())),
-         failureInformativeText(),
+         informative,
          {"OK"},
          std::nullopt});
   }
+  // Nothing the import made stays.
+  summary_.transactionsCreated = 0;
   if (rollBack) {
     // The objects the kept commands made leave memory with the rollback.
     commands_.clear();

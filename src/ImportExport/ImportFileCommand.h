@@ -4,10 +4,13 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "Commands/KVCommand.h"
+#include "ImportExport/ImportFileKind.h"
 #include "ImportExport/ImportLog.h"
+#include "ImportExport/ImportSummary.h"
 #include "Platform/UserInterface.h"
 
 namespace ledgeon {
@@ -19,7 +22,8 @@ namespace ledgeon {
 // import remains. Main thread only.
 class ImportFileCommand : public KVCommand {
  public:
-  ImportFileCommand(std::filesystem::path file, std::shared_ptr<LCommandDocument> document);
+  ImportFileCommand(std::filesystem::path file, std::shared_ptr<LCommandDocument> document,
+                    ImportSummary::Format format);
 
   bool doit() override;
   void undoit() override;
@@ -41,6 +45,8 @@ class ImportFileCommand : public KVCommand {
   std::string progressTitle() const;
   // The import's log; empty until the import started.
   const std::optional<ImportLog>& log() const { return log_; }
+  // What the last import did with the file; after a failure nothing it created remains.
+  const ImportSummary& summary() const { return summary_; }
 
  protected:
   // The informative text of the alert shown when the import fails.
@@ -49,6 +55,14 @@ class ImportFileCommand : public KVCommand {
   std::vector<std::shared_ptr<KVCommand>>& keptCommands() { return commands_; }
   ImportLog& startLog();
   ImportLog& importLog() { return *log_; }
+  ImportSummary& importSummary() { return summary_; }
+  // Counts and logs a record (a row) of the file left out by `rule`.
+  void dropRecord(size_t line, std::string_view rule);
+  // When the file looks like one meant for another reader than `expected`, says so in the log,
+  // the summary and the failure alert.
+  void noteFileKind(ImportFileKind::Kind expected);
+  // Appends the summary to the log, once.
+  void logSummary();
   Progress* progressDialog() { return progressDialog_.get(); }
   // Sets the sheet's maximum and text.
   void startProgress(double maximum);
@@ -65,6 +79,9 @@ class ImportFileCommand : public KVCommand {
   std::vector<std::shared_ptr<KVCommand>> commands_;
   std::unique_ptr<Progress> progressDialog_;
   std::optional<ImportLog> log_;
+  ImportSummary::Format format_;
+  ImportSummary summary_;
+  bool summaryLogged_ = false;
   double progressMaximum_ = 0;
   bool showsProgressDialog_ = true;
   bool userAborted_ = false;

@@ -5,6 +5,7 @@
 
 #include "Commands/SetLObjectPropertyCommand.h"
 #include "DataBase/DataBase.h"
+#include "ImportExport/ImportDropRules.h"
 #include "ImportExport/LIFReader.h"
 #include "ImportExport/LIFStockSplit.h"
 #include "ImportExport/TextFileReader.h"
@@ -34,7 +35,7 @@ ImportSplit importSplit(const LIFSplit& split) {
 
 ImportLIFFileCommand::ImportLIFFileCommand(std::filesystem::path file,
                                            std::shared_ptr<LCommandDocument> document)
-    : ImportFileCommand(std::move(file), std::move(document)) {
+    : ImportFileCommand(std::move(file), std::move(document), ImportSummary::Format::kLIF) {
   // A whole history arriving at once in an empty document is not an edit to step back from:
   // success clears the undo history instead of joining it.
   setUndoBehavior(kUndoBehaviorClearsHistory);
@@ -51,6 +52,7 @@ bool ImportLIFFileCommand::allowLIFImport() {
 bool ImportLIFFileCommand::importFile() {
   if (file().empty() || !allowLIFImport()) return false;
   ImportLog& log = startLog();
+  noteFileKind(ImportFileKind::Kind::kLIF);
   auto text = TextFileReader::readFile(file());
   if (!text) {
     log.add(ImportLogSeverity::kError, text.error().localizedDescription());
@@ -88,6 +90,11 @@ bool ImportLIFFileCommand::importFile() {
   LIFReader reader(log, std::move(lookups));
   reader.setProgress([this](size_t index, size_t count, std::string_view line) {
     return readerProgress(index, count, line);
+  });
+  reader.setDroppedRecord([this](size_t line, std::string_view rule) {
+    if (userAborted()) return;
+    ++importSummary().recordsRead;
+    dropRecord(line, rule);
   });
   startProgress(0);
   reader.readText(*text, [this](LIFRecord&& record) { apply(std::move(record)); });
@@ -134,6 +141,7 @@ void ImportLIFFileCommand::apply(LIFRecord&& record) {
         if constexpr (std::is_same_v<T, LIFAccountList>) {
           applyAccounts(r);
         } else if constexpr (std::is_same_v<T, LIFBankTransaction>) {
+          ++importSummary().recordsRead;
           applyBankTransaction(r);
         } else if constexpr (std::is_same_v<T, LIFCategory>) {
           applyCategory(r);
@@ -147,6 +155,7 @@ void ImportLIFFileCommand::apply(LIFRecord&& record) {
             allSecurityRecords_[r.ticker].push_back({*r.date, r.price});
           }
         } else {
+          ++importSummary().recordsRead;
           applyInvestmentTransaction(r);
         }
       },
@@ -183,9 +192,10 @@ void ImportLIFFileCommand::applyAccounts(const LIFAccountList& list) {
 
 void ImportLIFFileCommand::applyBankTransaction(const LIFBankTransaction& record) {
   LObject* account = ledger_->accountNamed(record.account);
-  if (!account) return;
+  if (!account) return dropRecord(record.line, droprule::kAccountMissing);
   if (!record.investmentCash) setBarText(stringWithFormat("Account %@", record.account));
   ImportTransaction transaction;
+  transaction.line = record.line;
   transaction.account = account;
   transaction.date = record.date;
   transaction.checkNumber = record.checkNumber;
@@ -198,16 +208,43 @@ void ImportLIFFileCommand::applyBankTransaction(const LIFBankTransaction& record
   transaction.lines.reserve(record.splits.size());
   for (const LIFSplit& split : record.splits) transaction.lines.push_back(importSplit(split));
 
-  if (record.hasTransferSplit &&
-      !useThisSplitTransaction(transaction, record.payee, record.date, account, record.amount)) {
-    return;
-  }
+  if (record.hasTransferSplit && !keepSplitTransaction(record, transaction, account)) return;
   if (record.isTransfer() && !useTransferTransaction(record.payee, record.date, account,
                                                      ledger_->accountNamed(record.transferAccount),
                                                      record.amount, transaction, false)) {
     return;
   }
-  if (ledger_->createCashFlowTransaction(transaction)) transactionCreated();
+  if (!ledger_->createCashFlowTransaction(transaction)) {
+    return dropRecord(record.line, droprule::kRefused);
+  }
+  transactionCreated();
+}
+
+bool ImportLIFFileCommand::keepSplitTransaction(const LIFBankTransaction& record,
+                                                ImportTransaction& transaction, LObject* account) {
+  if (leftToCheckingCopy(transaction, account)) {
+    dropRecord(record.line, droprule::kCheckingCopyKept);
+    return false;
+  }
+  size_t memos = 0;
+  size_t tags = 0;
+  for (const ImportSplit& line : transaction.lines) {
+    if (!line.note.empty()) ++memos;
+    tags += line.tags.size();
+  }
+  if (!useThisSplitTransaction(transaction, record.payee, record.date, account, record.amount)) {
+    return false;
+  }
+  if (memos + tags > 0) {
+    ImportSummary& summary = importSummary();
+    summary.splitMemosRemoved += memos;
+    summary.splitTagsRemoved += tags;
+    importLog().add(ImportLogSeverity::kInfo,
+                    stringWithFormat("%@, line %lu: split memos and tags removed (%lu memos, %lu "
+                                     "tags): a split transaction with a transfer line keeps none",
+                                     summary.fileName, record.line, memos, tags));
+  }
+  return true;
 }
 
 void ImportLIFFileCommand::applyCategory(const LIFCategory& category) {
@@ -245,18 +282,18 @@ void ImportLIFFileCommand::applySecurity(const LIFSecurity& security) {
 
 void ImportLIFFileCommand::applyInvestmentTransaction(const LIFInvestmentTransaction& record) {
   LObject* account = ledger_->accountNamed(record.account);
-  if (!account) return;
+  if (!account) return dropRecord(record.line, droprule::kAccountMissing);
   setBarText(stringWithFormat("Investment Account %@", record.account));
   LObject* security = ledger_->securityNamed(record.security);
   if (!security) {
     security = ledger_->createSecurity(
         {{"name", Value(record.security)}, {"dataSource", ledger_->dataSource()}});
   }
-  if (!security) return;
+  if (!security) return dropRecord(record.line, droprule::kSecurityMissing);
   LObject* position = ledger_->positionFor(*account, *security);
   // Units on a date are summed from a position's transactions, so every holding gets one.
   if (!position) position = ledger_->createPosition(*account, *security);
-  if (!position) return;
+  if (!position) return dropRecord(record.line, droprule::kRefused);
 
   EditDict properties{{"dataSource", ledger_->dataSource()}, {"account", Value(account)}};
   if (record.date) properties.set("enteredDate", Value(*record.date));
@@ -274,7 +311,9 @@ void ImportLIFFileCommand::applyInvestmentTransaction(const LIFInvestmentTransac
   if (record.userStatusOverride) {
     properties.set("userStatusOverride", Value(*record.userStatusOverride));
   }
-  if (!ledger_->createInvestmentTransaction(std::move(properties))) return;
+  if (!ledger_->createInvestmentTransaction(std::move(properties))) {
+    return dropRecord(record.line, droprule::kRefused);
+  }
   transactionCreated();
   if (!record.transferAccount.empty()) {
     if (LObject* other = ledger_->accountNamed(record.transferAccount)) {
@@ -305,6 +344,7 @@ void ImportLIFFileCommand::createInvestmentTransfer(const LIFInvestmentTransacti
                                                     LObject& account, LObject& other) {
   const Amount amount = record.transferAmount.value_or(Amount::zero());
   ImportTransaction transfer;
+  transfer.line = record.line;
   transfer.account = &other;
   transfer.date = record.date;
   transfer.amount = amount;
@@ -315,7 +355,14 @@ void ImportLIFFileCommand::createInvestmentTransfer(const LIFInvestmentTransacti
   line.amount = amount;
   line.transfer = transfer.transferAccount;
   transfer.lines.push_back(std::move(line));
-  if (ledger_->createCashFlowTransaction(transfer)) transactionCreated();
+  if (!ledger_->createCashFlowTransaction(transfer)) {
+    importLog().add(
+        ImportLogSeverity::kWarning,
+        stringWithFormat("%@, line %lu: the ledger refused the transfer to %@",
+                         importSummary().fileName, record.line, other.stringForKey("name")));
+    return;
+  }
+  transactionCreated();
 }
 
 }  // namespace ledgeon

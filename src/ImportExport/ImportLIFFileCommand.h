@@ -77,9 +77,16 @@ class ImportLIFFileCommand final : public ImportFileCommand {
     Amount price;
   };
 
+  // Whether a split transaction of `account` is left to the checking account it transfers to,
+  // whose copy is the one kept.
+  bool leftToCheckingCopy(const ImportTransaction& transaction, LObject* account);
   void apply(LIFRecord&& record);
   void applyAccounts(const LIFAccountList& list);
   void applyBankTransaction(const LIFBankTransaction& record);
+  // Keeps a split transaction with a transfer line when its twin was not kept before; true
+  // when it is to be created.
+  bool keepSplitTransaction(const LIFBankTransaction& record, ImportTransaction& transaction,
+                            LObject* account);
   void applyCategory(const LIFCategory& category);
   void applyTag(const LIFTag& tag);
   void applySecurity(const LIFSecurity& security);

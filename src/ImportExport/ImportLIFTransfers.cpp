@@ -2,8 +2,11 @@
 // accounts; exactly one copy is created) and the steps that end an import.
 #include <algorithm>
 #include <tuple>
+#include <utility>
 
 #include "DataBase/DataBase.h"
+#include "Documents/LedgerQueries.h"
+#include "ImportExport/ImportDropRules.h"
 #include "ImportExport/ImportLIFFileCommand.h"
 #include "ImportExport/ImportUtilities.h"
 #include "LObjects/LObject.h"
@@ -70,6 +73,8 @@ bool ImportLIFFileCommand::useTransferTransaction(
           findTransferTransactionPending(payeeName, date, transactionTotal, targetAccount)) {
     const bool entered = mirror->transactionEntered;
     removePending(mirror);
+    // One of the two records is not created, unless both are split transactions already kept.
+    if (!(entered && markEntered)) ++importSummary().transferTwinsMerged;
     return !entered;
   }
   pendingIndex_[{date, transactionAccount}].push_back(transferTransactionsPending_.size());
@@ -78,20 +83,23 @@ bool ImportLIFFileCommand::useTransferTransaction(
   return false;
 }
 
+bool ImportLIFFileCommand::leftToCheckingCopy(const ImportTransaction& transaction,
+                                              LObject* account) {
+  if (LedgerQueries::isAccountOfKind(account, "Checking")) return false;
+  return std::any_of(
+      transaction.lines.begin(), transaction.lines.end(), [this](const ImportSplit& line) {
+        return line.isTransfer() &&
+               LedgerQueries::isAccountOfKind(ledger_->accountNamed(line.transfer), "Checking");
+      });
+}
+
 bool ImportLIFFileCommand::useThisSplitTransaction(ImportTransaction& transaction,
                                                    const std::string& payeeName,
                                                    const std::optional<Date>& date,
                                                    LObject* account,
                                                    const Amount& transactionTotal) {
   // The checking account's copy of a split transaction is the one kept.
-  if (!LedgerQueries::isAccountOfKind(account, "Checking")) {
-    for (const ImportSplit& line : transaction.lines) {
-      if (line.isTransfer() &&
-          LedgerQueries::isAccountOfKind(ledger_->accountNamed(line.transfer), "Checking")) {
-        return false;
-      }
-    }
-  }
+  if (leftToCheckingCopy(transaction, account)) return false;
   // Tags and memos of the lines differ between the two copies; the created transaction loses
   // them too.
   for (ImportSplit& line : transaction.lines) {
@@ -117,9 +125,12 @@ bool ImportLIFFileCommand::useThisSplitTransaction(ImportTransaction& transactio
       if (!line.isTransfer()) continue;
       if (TransferTransactionPending* pending = findTransferTransactionPending(
               payeeName, date, line.amount, ledger_->accountNamed(line.transfer))) {
+        // A record still waiting is merged here too: it will not be created at the end.
+        if (!pending->transactionEntered) ++importSummary().transferTwinsMerged;
         removePending(pending);
       }
     }
+    ++importSummary().transferTwinsMerged;
     return false;
   }
   for (const ImportSplit& line : transaction.lines) {
@@ -134,6 +145,7 @@ bool ImportLIFFileCommand::useThisSplitTransaction(ImportTransaction& transactio
 void ImportLIFFileCommand::finishImport(
     const std::map<std::string, size_t>& accountsWithStockSplits, bool importedInvestments) {
   createPendingTransfers();
+  importSummary().transactionsCreated = transactionsCreated_;
   applyPrices();
   if (importedInvestments) requireDocument().noteShouldUpdateSecurityDataAfterImporting();
   ImportLog& log = importLog();
@@ -155,6 +167,7 @@ void ImportLIFFileCommand::finishImport(
         ImportLogSeverity::kInfo,
         stringWithFormat("%@ - %lu transactions\n", account->stringForKey("name"), count));
   }
+  logSummary();
   writeLogsAndReport();
 }
 
@@ -167,7 +180,11 @@ void ImportLIFFileCommand::createPendingTransfers() {
         stringWithFormat("Use transaction account name %@, %@ %@ %@",
                          transaction.account->stringForKey("name"), pending->payeeName,
                          dateText(pending->transactionDate), pending->transactionAmount));
-    if (ledger_->createCashFlowTransaction(transaction)) transactionCreated();
+    if (ledger_->createCashFlowTransaction(transaction)) {
+      transactionCreated();
+    } else {
+      dropRecord(transaction.line, droprule::kRefused);
+    }
   }
   transferTransactionsPending_.clear();
   pendingIndex_.clear();
@@ -203,10 +220,12 @@ void ImportLIFFileCommand::logAccountBalanceDifferences(ImportLogNode& node) {
     if (!account || reported.isNaN()) continue;
     const Amount total = ledger_->queries().balanceOfAccount(*account);
     if (total.compare(reported) == ComparisonResult::Same) continue;
-    node.addChild(ImportLogSeverity::kInfo,
-                  stringWithFormat("Cash balance doesn't match for account %@. Balance reported "
-                                   "as %@, but transactions total %@\n",
-                                   name, reported, total));
+    std::string difference = stringWithFormat(
+        "Cash balance doesn't match for account %@. Balance reported as %@, but transactions "
+        "total %@\n",
+        name, reported, total);
+    importSummary().balanceDifferences.push_back(difference);
+    node.addChild(ImportLogSeverity::kInfo, std::move(difference));
   }
 }
 

@@ -1,5 +1,6 @@
 #include "ImportExport/ImportTextFileCommand.h"
 
+#include <cctype>
 #include <string_view>
 #include <utility>
 #include <vector>
@@ -9,6 +10,7 @@
 #include <unicode/unistr.h>
 
 #include "DataBase/DataBase.h"
+#include "ImportExport/ImportDropRules.h"
 #include "ImportExport/ImportLedger.h"
 #include "ImportExport/TextFileReader.h"
 #include "LObjects/LObject.h"
@@ -81,7 +83,7 @@ std::vector<std::string> labels(const std::string& text) {
 
 ImportTextFileCommand::ImportTextFileCommand(std::filesystem::path file,
                                              std::shared_ptr<LCommandDocument> document)
-    : ImportFileCommand(std::move(file), std::move(document)) {}
+    : ImportFileCommand(std::move(file), std::move(document), ImportSummary::Format::kCSV) {}
 
 std::string ImportTextFileCommand::failureInformativeText() const {
   return "Only text files exported from the transactions page of the web service's site can be "
@@ -98,41 +100,84 @@ Amount ImportTextFileCommand::amountFromText(const std::string& text) {
   return kept.empty() ? Amount::notANumber() : Amount::fromString(kept);
 }
 
-std::optional<std::pair<Date, Amount>> ImportTextFileCommand::dateAndAmountForRow(
+ImportTextFileCommand::RowDateAndAmount ImportTextFileCommand::dateAndAmountForRow(
     const CSVRow& row) {
+  RowDateAndAmount values;
   const std::string dateText = trimmed(field(row, "date"));
-  if (dateText.empty()) return std::nullopt;
+  if (dateText.empty()) {
+    values.skipRule = droprule::kNoDate;
+    return values;
+  }
   const auto written = LDateUtilities::dateFromMonthDayYearString(dateText);
-  if (!written) return std::nullopt;
-  const auto date = LDateUtilities::dateByAdjustingYearIfNecessary(*written);
-  if (!date) return std::nullopt;
-  Amount amount = amountFromText(field(row, "amount"));
-  if (amount.isNaN()) return std::nullopt;
-  amount = amount.abs();
-  if (field(row, "transactionType") == "debit") amount = amount.decimalNumberByNegating();
-  return std::pair{*date, amount};
+  const auto date = written ? LDateUtilities::dateByAdjustingYearIfNecessary(*written) : written;
+  if (!date) {
+    values.skipRule = droprule::kDateUnreadable;
+    return values;
+  }
+  const Amount amount = amountFromText(field(row, "amount"));
+  if (amount.isNaN()) {
+    values.skipRule = droprule::kAmountNotANumber;
+    return values;
+  }
+  values.date = *date;
+  values.amount = amount.abs();
+  if (field(row, "transactionType") == "debit") {
+    values.amount = values.amount.decimalNumberByNegating();
+  }
+  return values;
+}
+
+bool ImportTextFileCommand::isTitleRow(const CSVRow& row) {
+  std::string date = trimmed(field(row, "date"));
+  for (char& c : date) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+  return date == "date";
 }
 
 std::optional<ImportTransaction> ImportTextFileCommand::transactionForRow(const CSVRow& row) {
-  const auto dateAndAmount = dateAndAmountForRow(row);
-  if (!dateAndAmount) return std::nullopt;
-  const auto& [date, amount] = *dateAndAmount;
+  const RowDateAndAmount values = dateAndAmountForRow(row);
+  if (values.skipRule) return std::nullopt;
   std::string category = field(row, "category");
   if (isUncategorized(category)) category.clear();
 
   ImportTransaction transaction;
-  transaction.date = date;
-  transaction.amount = amount;
+  transaction.date = values.date;
+  transaction.amount = values.amount;
   transaction.payee = field(row, "description");
   transaction.bankPayee = field(row, "originalDescription");
   transaction.reference = field(row, "accountName");
   ImportSplit line;
   line.category = std::move(category);
   line.tags = labels(field(row, "labels"));
-  line.amount = amount;
+  line.amount = values.amount;
   transaction.note = field(row, "notes");
   transaction.lines.push_back(std::move(line));
   return transaction;
+}
+
+size_t ImportTextFileCommand::countRows(CSVParser& parser) {
+  ImportSummary& summary = importSummary();
+  size_t count = 0;
+  bool first = true;
+  parser.parseRowsForReceiver([&](CSVRow&& row) {
+    const bool title = first && isTitleRow(row);
+    first = false;
+    if (title) return;
+    ++summary.recordsRead;
+    const char* skipRule = dateAndAmountForRow(row).skipRule;
+    if (skipRule) {
+      dropRecord(parser.rowLine(), skipRule);
+    } else {
+      ++count;
+    }
+  });
+  if (const auto& stop = parser.stop()) {
+    summary.readingStopped = stop;
+    importLog().add(ImportLogSeverity::kWarning,
+                    stringWithFormat("%@, line %lu: reading stopped here (%@); the rest of the "
+                                     "file was not read",
+                                     summary.fileName, stop->line, stop->reason));
+  }
+  return count;
 }
 
 LObject* ImportTextFileCommand::createTargetAccount(ImportLedger& ledger) {
@@ -165,6 +210,7 @@ bool ImportTextFileCommand::doit() {
 bool ImportTextFileCommand::importFile() {
   targetAccount_ = nullptr;
   ImportLog& log = startLog();
+  noteFileKind(ImportFileKind::Kind::kText);
   auto text = TextFileReader::readFile(file());
   if (!text || text->empty()) {
     if (!text) log.add(ImportLogSeverity::kError, text.error().localizedDescription());
@@ -173,10 +219,7 @@ bool ImportTextFileCommand::importFile() {
   // Two readings of the rows, one to count them for the progress bar and one to create them, so
   // that no more than one row's transaction is held at a time.
   CSVParser parser(std::move(*text), ",", false, columnNames());
-  size_t count = 0;
-  parser.parseRowsForReceiver([&count](CSVRow&& row) {
-    if (dateAndAmountForRow(row)) ++count;
-  });
+  const size_t count = countRows(parser);
 
   ImportLedger ledger(document(), kDataSource, keptCommands());
   targetAccount_ = createTargetAccount(ledger);
@@ -198,13 +241,17 @@ bool ImportTextFileCommand::importFile() {
       cancelled = true;
       return;
     }
+    transaction->line = parser.rowLine();
     transaction->account = targetAccount_;
-    (void)ledger.createCashFlowTransaction(*transaction);
+    if (!ledger.createCashFlowTransaction(*transaction)) {
+      dropRecord(transaction->line, droprule::kRefused);
+    }
   });
   if (cancelled) return false;
   if (Progress* progress = progressDialog()) progress->setBarText("Done");
   const auto created = ledger.transactionsCreated().find(targetAccount_);
   if (created == ledger.transactionsCreated().end()) return false;
+  importSummary().transactionsCreated = created->second;
   log.add(ImportLogSeverity::kInfo,
           stringWithFormat("%@ - %lu transactions\n", targetAccount_->stringForKey("name"),
                            created->second));

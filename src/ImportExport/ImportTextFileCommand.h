@@ -4,7 +4,6 @@
 #include <memory>
 #include <optional>
 #include <string>
-#include <utility>
 
 #include "ImportExport/CSVParser.h"
 #include "ImportExport/ImportFileCommand.h"
@@ -30,11 +29,19 @@ class ImportTextFileCommand final : public ImportFileCommand {
   // The account made by the import; null until then or when it failed.
   LObject* targetAccount() const { return targetAccount_; }
 
+  // What decides whether a row makes a transaction at all: its date (century adjusted) and
+  // signed amount, or the rule that leaves it out.
+  struct RowDateAndAmount {
+    Date date;
+    Amount amount = Amount::zero();
+    const char* skipRule = nullptr;  // ImportDropRules.h; null for a row that makes one
+  };
+
   // The transaction a row stands for; std::nullopt for a row to leave out.
   static std::optional<ImportTransaction> transactionForRow(const CSVRow& row);
-  // The row's date (century adjusted) and signed amount: what decides whether it makes a
-  // transaction at all.
-  static std::optional<std::pair<Date, Amount>> dateAndAmountForRow(const CSVRow& row);
+  static RowDateAndAmount dateAndAmountForRow(const CSVRow& row);
+  // Whether a row is the export's own title row ("Date", "Description", ...).
+  static bool isTitleRow(const CSVRow& row);
   // Only the characters a decimal number can hold, read as a decimal; NaN when none.
   static Amount amountFromText(const std::string& text);
 
@@ -42,6 +49,8 @@ class ImportTextFileCommand final : public ImportFileCommand {
   std::string failureInformativeText() const override;
 
  private:
+  // Counts the rows that make transactions; notes the others, and where reading stopped.
+  size_t countRows(CSVParser& parser);
   LObject* createTargetAccount(ImportLedger& ledger);
   void applyRegisterSettings(LObject& account);
 

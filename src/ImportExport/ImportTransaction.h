@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <optional>
 #include <string>
 #include <vector>
@@ -27,6 +28,7 @@ struct ImportSplit {
 // A cash-flow transaction an import is about to create, with names still unresolved: the import's
 // own form of the key-value map the creation command takes.
 struct ImportTransaction {
+  size_t line = 0;             // where the file holds it, for the import log
   LObject* account = nullptr;  // the account that owns it
   std::optional<Date> date;
   std::string checkNumber;

@@ -226,7 +226,7 @@ size_t LIFReader::readListSection(size_t index, Field field, Finish finish) {
       record = Record();
       open = false;
     } else {
-      field(record, line.text.front(), value(line.text));
+      field(record, line.text.front(), value(line.text), line);
     }
   }
   if (open) finish(std::move(record));
@@ -234,7 +234,7 @@ size_t LIFReader::readListSection(size_t index, Field field, Finish finish) {
 }
 
 size_t LIFReader::importCatList(size_t index) {
-  auto field = [](LIFCategory& category, char letter, std::string_view text) {
+  auto field = [this](LIFCategory& category, char letter, std::string_view text, const Line& line) {
     switch (letter) {
       case 'N':
         category.name = std::string(text);
@@ -249,7 +249,12 @@ size_t LIFReader::importCatList(size_t index) {
         if (!category.taxRefUS) category.taxRefUS = 9999;
         break;
       case 'R':
-        category.taxRefUS = lif::integerValue(text);
+        // A reference that is no number is left out rather than read as 0.
+        if (lif::startsWithInteger(text)) {
+          category.taxRefUS = lif::integerValue(text);
+        } else {
+          problem(line, stringWithFormat("tax reference %@ is not a number", text));
+        }
         break;
       default:
         break;
@@ -267,7 +272,7 @@ size_t LIFReader::importCatList(size_t index) {
 }
 
 size_t LIFReader::importClassList(size_t index) {
-  auto field = [](LIFTag& tag, char letter, std::string_view text) {
+  auto field = [](LIFTag& tag, char letter, std::string_view text, const Line&) {
     if (letter == 'N') tag.name = std::string(text);
     if (letter == 'D') tag.description = std::string(text);
   };
@@ -281,7 +286,7 @@ size_t LIFReader::importClassList(size_t index) {
 }
 
 size_t LIFReader::importSecurity(size_t index) {
-  auto field = [](LIFSecurity& security, char letter, std::string_view text) {
+  auto field = [](LIFSecurity& security, char letter, std::string_view text, const Line&) {
     switch (letter) {
       case 'N':
         security.name = std::string(text);

@@ -38,6 +38,9 @@ class LIFReader final {
   // Asked with the index of the line being read, the line count and the line's text; false
   // cancels the reading.
   using Progress = std::function<bool(size_t index, size_t count, std::string_view line)>;
+  // Told of each transaction record the reading itself leaves out: the line it starts on and
+  // the rule (ImportDropRules.h) that leaves it out. Such records are not handed on.
+  using DroppedRecord = std::function<void(size_t line, std::string_view rule)>;
 
   explicit LIFReader(ImportLog& log, LIFReaderLookups lookups = {});
 
@@ -51,6 +54,7 @@ class LIFReader final {
   void readText(std::string_view text, const std::function<void(LIFRecord&&)>& receiver);
 
   void setProgress(Progress progress) { progress_ = std::move(progress); }
+  void setDroppedRecord(DroppedRecord dropped) { dropped_ = std::move(dropped); }
   bool userAborted() const { return userAborted_; }
   // Whether an investment section was read (the securities' data must then be refreshed).
   bool importedInvestments() const { return importedInvestments_; }
@@ -90,6 +94,7 @@ class LIFReader final {
   void finishBankRecord(BankState& state);
   void readInvestmentField(InvestmentState& state, const Line& line);
   void finishInvestmentRecord(InvestmentState& state, size_t& count);
+  void drop(size_t line, std::string_view rule);
 
   bool accountExists(const std::string& name) const;
   bool categoryExists(const std::string& name) const;
@@ -105,6 +110,7 @@ class LIFReader final {
   ImportLog& log_;
   LIFReaderLookups lookups_;
   Progress progress_;
+  DroppedRecord dropped_;
   std::vector<Line> lines_;
   std::function<void(LIFRecord&&)> receiver_;
   Date today_;

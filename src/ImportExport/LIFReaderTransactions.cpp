@@ -1,7 +1,9 @@
 // The transaction sections of LIFReader: bank-style records with their splits, and investment
 // records with the action table and the rewrites that need no ledger.
+#include <algorithm>
 #include <utility>
 
+#include "ImportExport/ImportDropRules.h"
 #include "ImportExport/LIFFields.h"
 #include "ImportExport/LIFReader.h"
 #include "ImportExport/internal/LIFText.h"
@@ -77,7 +79,7 @@ size_t LIFReader::importBankTransactions(size_t index, bool investmentCashTxn, b
       problem(lines_.back(), "the last record ends without \"^\"");
       finishBankRecord(state);
     } else {
-      problem(lines_[i - 1], "record ends without \"^\" and was not read");
+      drop(state.record.line, droprule::kCutShort);
     }
   }
   return i;
@@ -174,16 +176,22 @@ void LIFReader::readBankField(BankState& state, const Line& line, bool investmen
 
 void LIFReader::finishBankRecord(BankState& state) {
   LIFBankTransaction& record = state.record;
-  if (currentAccount_.empty()) {
-    problem({record.line, {}}, "transaction without an account skipped");
-    return;
-  }
+  if (currentAccount_.empty()) return drop(record.line, droprule::kNoAccount);
+  if (!state.create) return drop(record.line, droprule::kZeroTransfer);
+  const bool notANumber = record.amount.isNaN() ||
+                          std::any_of(record.splits.begin(), record.splits.end(),
+                                      [](const LIFSplit& split) { return split.amount.isNaN(); });
+  if (notANumber) return drop(record.line, droprule::kAmountNotANumber);
   record.account = currentAccount_;
   if (record.splits.empty()) {
     record.splits.push_back({record.line, record.isTransfer() ? kTransferCategory : record.category,
                              record.tag, record.memo, record.amount, record.transferAccount});
   }
-  if (state.create) emit(std::move(record));
+  emit(std::move(record));
+}
+
+void LIFReader::drop(size_t line, std::string_view rule) {
+  if (dropped_) dropped_(line, rule);
 }
 
 size_t LIFReader::importInvestmentTransactions(size_t index) {
@@ -213,7 +221,7 @@ size_t LIFReader::importInvestmentTransactions(size_t index) {
       problem(lines_.back(), "the last record ends without \"^\"");
       finishInvestmentRecord(state, splits);
     } else {
-      problem(lines_[i - 1], "record ends without \"^\" and was not read");
+      drop(state.record.line, droprule::kCutShort);
     }
   }
   if (splits > 0) accountsWithStockSplits_[account] = splits;
@@ -272,16 +280,17 @@ void LIFReader::readInvestmentField(InvestmentState& state, const Line& line) {
 void LIFReader::finishInvestmentRecord(InvestmentState& state, size_t& splits) {
   LIFInvestmentTransaction& record = state.record;
   if (record.security.empty() && record.type != 6) record.type = 1;
-  if (record.type == 0) return;
+  if (record.type == 0) return drop(record.line, droprule::kActionNotHandled);
   if (record.type == 1) {
     const bool invertSign = startsWith(record.action, "XOut") && !record.amount.isNegative();
     importBankTransactions(state.firstIndex, true, invertSign);
     return;
   }
-  if (currentAccount_.empty()) {
-    problem(lines_[state.firstIndex], "transaction without an account skipped");
-    return;
-  }
+  if (currentAccount_.empty()) return drop(record.line, droprule::kNoAccount);
+  const bool notANumber = record.price.isNaN() || record.quantity.isNaN() ||
+                          record.amount.isNaN() || record.commission.isNaN() ||
+                          (record.transferAmount && record.transferAmount->isNaN());
+  if (notANumber) return drop(record.line, droprule::kAmountNotANumber);
   record.account = currentAccount_;
   record.costBasis = record.price.decimalNumberByMultiplyingBy(record.quantity)
                          .decimalNumberByAdding(record.commission);

@@ -120,6 +120,44 @@ TEST(CSVParserTest, MalformedQuotesEndTheFileWithoutLosingEarlierRows) {
   EXPECT_EQ(parse("\"a\"b,c", ",", false), (std::vector<CSVRow>{{{"FIELD_1", "a"}}}));
 }
 
+// Where reading stopped is said, so that a user knows the rest of the file was not read.
+TEST(CSVParserTest, StopBeforeTheEndSaysItsLineAndWhy) {
+  struct Case {
+    std::string text;
+    size_t line;  // 0: read to the end
+    const char* reason;
+  };
+  const std::vector<Case> cases = {
+      {"1,2\n3,4\n", 0, ""},
+      {"1,2\r\n3,\"a\nb\"\r\n4,5\r\n", 0, ""},
+      {"1,2\n3,\"open\n4,5\n", 2, "a quoted field is not closed"},
+      {"1\r\n2\r\nab\"c\"d,e\n1,2", 3,
+       "a double quote inside a field that does not start with one"},
+      {"1\r2\r\n\n\"a\"b,c", 4, "text after the closing quote of a quoted field"},
+      {"\"x\ny\"\n1\xE2\x80\xA8z\"q", 4,
+       "a double quote inside a field that does not start with one"},
+      {"\n1\n2\n", 1, "the text starts with a blank line"},
+  };
+  for (const Case& c : cases) {
+    CSVParser parser(c.text, ",", false);
+    (void)parser.arrayOfParsedRows();
+    if (c.line == 0) {
+      EXPECT_FALSE(parser.stop()) << c.text;
+      continue;
+    }
+    ASSERT_TRUE(parser.stop()) << c.text;
+    EXPECT_EQ(parser.stop()->line, c.line) << c.text;
+    EXPECT_EQ(parser.stop()->reason, c.reason) << c.text;
+  }
+}
+
+TEST(CSVParserTest, EachRowKnowsTheLineItStartsOn) {
+  std::vector<size_t> lines;
+  CSVParser parser("n\r\n1\r\n\r\n\"2\nand more\"\n3\r4\n", ",", true);
+  parser.parseRowsForReceiver([&](CSVRow&&) { lines.push_back(parser.rowLine()); });
+  EXPECT_EQ(lines, (std::vector<size_t>{2, 4, 6, 7}));
+}
+
 TEST(CSVParserTest, ReceiverGetsRowsInOrder) {
   std::vector<std::string> seen;
   CSVParser("n\n1\n2\n3\n", ",", true).parseRowsForReceiver([&](CSVRow&& row) {

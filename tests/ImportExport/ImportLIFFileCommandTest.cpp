@@ -111,6 +111,96 @@ TEST_F(ImportLIFFileCommandTest, BracketedCategoriesAndEmptyRecords) {
   EXPECT_EQ(lines(*transactions("Checking")[2]), (std::vector<std::string>{"|||0|"}));
 }
 
+// Symptom: a record whose date did not read was listed on 2001-01-01, and one whose amount was
+// "abc" was created with the amount 0.00. Cause: the listing printed a missing date as the
+// reference date, and the not-a-number amount, which the store refuses, left the new
+// transaction at zero. Fix: such a record is created without a date; a record with an amount
+// that is not a number is not created at all, and the log names its file and line.
+TEST_F(ImportLIFFileCommandTest, UnreadableDatesStayMissingAndUnreadableAmountsAreNotStored) {
+  auto command = import(kAccounts + section("Checking", "Bank",
+                                            "D13/45/24\nT-12.50\nPUndated\n^\n"  // line 19
+                                            "D1/15/24\nTabc\nPBad amount\n^\n"   // line 23
+                                            "D1/16/24\nT-3\nSFood\n$-1\nSFees\n$n/a\n^\n"));
+  ASSERT_TRUE(imported_);
+  const ObjectSet list = account("Checking").objectsForKey("transactions");
+  ASSERT_EQ(list.size(), 1u);
+  EXPECT_EQ(day(*list.front()), "none");
+  EXPECT_EQ(list.front()->amountForKey("amount").stringValue(), "-12.5");
+  EXPECT_EQ(command->summary().dropped.at("amount not a number"), 2u);
+  const auto warnings = command->log()->textsAtOrAbove(ImportLogSeverity::kWarning);
+  for (const char* text : {"family.lif, line 23: record dropped (amount not a number)",
+                           "family.lif, line 27: record dropped (amount not a number)"}) {
+    EXPECT_NE(std::find(warnings.begin(), warnings.end(), text), warnings.end()) << text;
+  }
+}
+
+// Every record is accounted for: created, merged into its transfer twin, or dropped by a rule
+// the log names; what the import removes or only compares is counted too.
+TEST_F(ImportLIFFileCommandTest, SummaryAccountsForEveryRecord) {
+  auto command =
+      import(kAccounts +
+             section("Checking", "Bank",
+                     "D2/01/24\nT-150\nPStore\nSGroceries/Food\nEweekly\n$-50\nS[Visa]\n$-100\n^\n"
+                     "D2/02/24\nT-20\nPMove\nL[Savings]\n^\n"
+                     "D2/03/24\nL[Savings]\nT-30\n^\n") +  // line 33: amount after the transfer
+             section("Visa", "CCard",
+                     "D2/01/24\nT100\nPStore\nL[Checking]\n^\n"
+                     "D2/04/24\nT-9\nSFees\n$-1\nS[Checking]\n$-8\n^\n") +  // line 46
+             section("Savings", "Bank", "D2/02/24\nT20\nPMove\nL[Checking]\n^\n"));
+  ASSERT_TRUE(imported_);
+  EXPECT_EQ(command->summary().lines(),
+            (std::vector<std::string>{
+                "Transaction records read: 6", "Transactions created: 2",
+                "Transfer twins merged: 2", "Records dropped by a rule: 2",
+                "  split transfer to a checking account, whose copy is kept: 1",
+                "  transfer read while its amount was still zero: 1",
+                "Split memos and tags removed: 1 memos, 1 tags",
+                "Cash balance doesn't match for account Checking. Balance reported as 1000, but "
+                "transactions total -170"}));
+  const auto texts = command->log()->textsAtOrAbove(ImportLogSeverity::kInfo);
+  for (const char* text :
+       {"family.lif, line 33: record dropped (transfer read while its amount was still zero)",
+        "family.lif, line 46: record dropped (split transfer to a checking account, whose copy "
+        "is kept)",
+        "family.lif, line 19: split memos and tags removed (1 memos, 1 tags): a split "
+        "transaction with a transfer line keeps none",
+        "Summary of family.lif:"}) {
+    EXPECT_NE(std::find(texts.begin(), texts.end(), text), texts.end()) << text;
+  }
+  // The summary is the last thing the written log says.
+  const std::string written = testing::readFile(command->logFile());
+  EXPECT_NE(written.find("  Summary of family.lif:\n    Transaction records read: 6\n"),
+            std::string::npos);
+}
+
+// Two split transactions naming each other whose lines differ are not twins: both are created,
+// and the summary counts no merge.
+TEST_F(ImportLIFFileCommandTest, SplitCopiesThatDifferAreBothCreated) {
+  auto command = import(
+      kAccounts +
+      section("Checking", "Bank",
+              "D2/01/24\nT-150\nPStore\nSGroceries\n$-50\nS[Savings]\n$-100\n^\n") +
+      section("Savings", "Bank", "D2/01/24\nT90\nPStore\nS[Checking]\n$100\nSFees\n$-10\n^\n"));
+  ASSERT_TRUE(imported_);
+  EXPECT_EQ(count("Transaction"), 2u);
+  const ImportSummary& summary = command->summary();
+  EXPECT_EQ(summary.recordsRead, 2u);
+  EXPECT_EQ(summary.transactionsCreated, 2u);
+  EXPECT_EQ(summary.transferTwinsMerged, 0u);
+}
+
+// A file meant for another reader is read as well as it can be, and the log says what it looks
+// like.
+TEST_F(ImportLIFFileCommandTest, FileForAnotherReaderIsNamed) {
+  auto command = import("OFXHEADER:100\nDATA:OFXSGML\n\n<OFX>\n<SIGNONMSGSRSV1>\n", "bank.ofx");
+  ASSERT_TRUE(imported_);
+  EXPECT_EQ(command->summary().fileLooksLike,
+            "This file looks like an OFX statement (OFX 1.x, SGML)");
+  EXPECT_EQ(command->summary().recordsRead, 0u);
+  EXPECT_EQ(command->log()->textsAtOrAbove(ImportLogSeverity::kWarning).front(),
+            "This file looks like an OFX statement (OFX 1.x, SGML)");
+}
+
 TEST_F(ImportLIFFileCommandTest, CategoriesClassesAndTags) {
   import(
       "!Type:Cat\nNAuto/Fuel\nDGas\nT\n^\nNAuto*Fuel\n^\nNSalary\nI\nR256\n^\nNGifts\n^\n"
@@ -330,13 +420,16 @@ TEST_F(ImportLIFFileCommandTest, BundledHouseholdFileGivesItsLedger) {
     size_t transactions;
     const char* balance;  // of the cash accounts
   };
-  for (const Case& c : {Case{"Everyday Checking", 5, "739.58"}, Case{"Rewards Visa", 4, "160.66"},
-                        Case{"Retirement Brokerage", 9, nullptr}, Case{"Car Loan", 0, "350"}}) {
+  // The opening balances are transactions of the file, so the balances are the statement's.
+  for (const Case& c : {Case{"Everyday Checking", 6, "4312.18"}, Case{"Rewards Visa", 5, "-612.4"},
+                        Case{"Retirement Brokerage", 9, nullptr}, Case{"Car Loan", 1, "-9850"}}) {
     EXPECT_EQ(transactions(c.account).size(), c.transactions) << c.account;
     if (c.balance) {
       EXPECT_EQ(balance(c.account), c.balance) << c.account;
     }
   }
+  EXPECT_TRUE(command->summary().balanceDifferences.empty());
+  EXPECT_EQ(command->summary().droppedTotal(), 0u);
   EXPECT_EQ(count("SecurityQuote"), 5u);
   EXPECT_EQ(
       named("Security", "Evergreen Index Fund")->amountForKey("latestClosingPrice").stringValue(),

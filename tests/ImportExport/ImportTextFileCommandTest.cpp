@@ -126,6 +126,70 @@ TEST_F(ImportTextFileCommandTest, ProgressCountsOnlyTheRowsThatBecomeTransaction
             events.end());
 }
 
+// Rows left out are named with their line and rule, the title row is not one of them, and a
+// stray quote that ends the reading says where.
+TEST_F(ImportTextFileCommandTest, SummaryCountsRowsAndSaysWhereReadingStopped) {
+  const std::string text = kTitleRow +
+                           "\"1/05/2024\",\"Cafe\",\"\",\"4.50\",\"debit\"\n"   // line 2
+                           "\"\",\"Cafe\",\"\",\"4.50\",\"debit\"\n"            // line 3
+                           "\"1/05/2024\",\"Cafe\",\"\",\"n/a\",\"debit\"\n"    // line 4
+                           "\"13/45/2024\",\"Cafe\",\"\",\"1.00\",\"debit\"\n"  // line 5
+                           "1/06/2024,Joe \"the\" Diner,,5.00,debit\n"          // line 6
+                           "\"1/07/2024\",\"Never read\",\"\",\"9.00\",\"debit\"\n";
+  auto command = import("mixed.csv", text);
+  ASSERT_TRUE(imported_);
+  EXPECT_EQ(transactions("mixed.csv").size(), 1u);
+  EXPECT_EQ(
+      command->summary().lines(),
+      (std::vector<std::string>{
+          "Rows read: 5 (the title row not counted)", "Transactions created: 1", "Rows skipped: 4",
+          "  amount not a number: 2", "  date does not read: 1", "  no date: 1",
+          "Reading stopped at line 6: a double quote inside a field that does not start "
+          "with one; the rest of the file was not read"}));
+  const auto warnings = command->log()->textsAtOrAbove(ImportLogSeverity::kWarning);
+  for (const char* line : {"mixed.csv, line 3: row skipped (no date)",
+                           "mixed.csv, line 4: row skipped (amount not a number)",
+                           "mixed.csv, line 5: row skipped (date does not read)",
+                           "mixed.csv, line 6: row skipped (amount not a number)",
+                           "mixed.csv, line 6: reading stopped here (a double quote inside a field "
+                           "that does not start with one); the rest of the file was not read"}) {
+    EXPECT_NE(std::find(warnings.begin(), warnings.end(), line), warnings.end()) << line;
+  }
+}
+
+// A file meant for another reader is refused as before, and the alert adds what it looks like.
+TEST_F(ImportTextFileCommandTest, FileForAnotherReaderIsNamedInTheAlert) {
+  struct Case {
+    const char* name;
+    std::string text;
+    const char* looksLike;
+  };
+  const std::vector<Case> cases = {
+      {"bank.ofx", "OFXHEADER:100\r\nDATA:OFXSGML\r\n\r\n<OFX><SIGNONMSGSRSV1>\r\n",
+       "This file looks like an OFX statement (OFX 1.x, SGML)."},
+      {"bank.qfx", "<?xml version=\"1.0\"?>\n<?OFX OFXHEADER=\"200\"?>\n<OFX></OFX>\n",
+       "This file looks like an OFX statement (OFX 2.x, XML)."},
+      {"family.csv", "!Type:Bank\nD1/15'24\nT-5.00\n^\n",
+       "This file looks like a LIF interchange file."},
+      {"export.csv", std::string("PK\x03\x04\x14\x00\x06\x00", 8) + "xl/workbook.xml",
+       "This file looks like a zip archive (a spreadsheet workbook is one), not text."},
+      {"notes.csv", "just some notes\n", nullptr},
+  };
+  for (const Case& c : cases) {
+    ImportTestLedger ledger;
+    auto command =
+        std::make_shared<ImportTextFileCommand>(ledger.writeFile(c.name, c.text), ledger.document_);
+    EXPECT_FALSE(command->execute()) << c.name;
+    ASSERT_EQ(ledger.ui_->alertsShown().size(), 1u) << c.name;
+    std::string expected =
+        "Only text files exported from the transactions page of the web service's site can be "
+        "imported.";
+    if (c.looksLike) expected += std::string("\n") + c.looksLike;
+    EXPECT_EQ(ledger.ui_->alertsShown()[0].informativeText, expected) << c.name;
+    EXPECT_EQ(command->summary().transactionsCreated, 0u) << c.name;
+  }
+}
+
 TEST_F(ImportTextFileCommandTest, CancelTakesBackTheAccountToo) {
   std::string text;
   for (int i = 0; i < 100; ++i) text += "\"1/05/2024\",\"Cafe\",\"\",\"4.50\",\"debit\"\n";

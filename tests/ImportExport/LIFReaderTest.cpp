@@ -25,6 +25,9 @@ struct Read {
   explicit Read(const std::string& text, LIFReaderLookups lookups = {})
       : clock(*LDateUtilities::dateWithYear(2026, 6, 15)), log("Import Log", "path") {
     LIFReader reader(log, std::move(lookups));
+    reader.setDroppedRecord([this](size_t line, std::string_view rule) {
+      dropped.push_back(std::to_string(line) + ": " + std::string(rule));
+    });
     records = reader.readText(text);
     stockSplits = reader.accountsWithStockSplits();
     investments = reader.importedInvestments();
@@ -48,6 +51,7 @@ struct Read {
   ScopedFixedClock clock;
   ImportLog log;
   std::vector<LIFRecord> records;
+  std::vector<std::string> dropped;  // "line: rule"
   std::map<std::string, size_t> stockSplits;
   bool investments = false;
 };
@@ -180,6 +184,9 @@ TEST(LIFReaderTest, ZeroAmountTransfersAreDropped) {
                   "^\n");                              // empty record: kept
   const auto transactions = read.all<LIFBankTransaction>();
   ASSERT_EQ(transactions.size(), 2u);
+  EXPECT_EQ(read.dropped,
+            (std::vector<std::string>{"26: transfer read while its amount was still zero",
+                                      "30: transfer read while its amount was still zero"}));
   EXPECT_EQ(transactions[0].category, "Fees");
   const auto& empty = transactions[1];
   EXPECT_EQ(iso(empty.date), "2026-06-15");
@@ -192,7 +199,7 @@ TEST(LIFReaderTest, ZeroAmountTransfersAreDropped) {
 TEST(LIFReaderTest, TransactionsWithoutAccountAreSkipped) {
   const Read read("!Type:Bank\nD1/1/26\nT-5\n^\n");
   EXPECT_TRUE(read.all<LIFBankTransaction>().empty());
-  EXPECT_TRUE(read.logged("Line 2: transaction without an account skipped"));
+  EXPECT_EQ(read.dropped, std::vector<std::string>{"2: no account section before it"});
 }
 
 TEST(LIFReaderTest, CategoriesTagsAndTheStarSlashRule) {
@@ -202,8 +209,8 @@ TEST(LIFReaderTest, CategoriesTagsAndTheStarSlashRule) {
   const Read read(
       "!Type:Cat\n"
       "NSalary\nDPay\nI\nT\nR450\n^\n"
-      "NMedical\nE\nT\n^\n"
-      "NHousing*Rent\n^\n"  // exists with "/" for "*"
+      "NMedical\nE\nT\nRn/a\n^\n"  // a reference that does not read leaves the bare "T"
+      "NHousing*Rent\n^\n"         // exists with "/" for "*"
       "NAuto/Fuel\n^\n"
       "NAuto*Fuel\n^\n"  // defined above in the file
       "NSalary\n^\n"     // repeated
@@ -220,6 +227,7 @@ TEST(LIFReaderTest, CategoriesTagsAndTheStarSlashRule) {
   EXPECT_EQ(categories[1].name, "Medical");
   EXPECT_EQ(categories[1].type, 1);
   EXPECT_EQ(categories[1].taxRefUS, 9999);
+  EXPECT_TRUE(read.logged("Line 11: tax reference n/a is not a number"));
   EXPECT_EQ(categories[2].name, "Auto/Fuel");
   const auto tags = read.all<LIFTag>();
   ASSERT_EQ(tags.size(), 2u);
@@ -376,6 +384,7 @@ TEST(LIFReaderTest, CashRecordsOfInvestmentSections) {
   EXPECT_EQ(cash[3].amount, dec("8"));
   EXPECT_TRUE(read.all<LIFInvestmentTransaction>().empty());
   EXPECT_TRUE(read.logged("Transaction type Grant not handled"));
+  EXPECT_EQ(read.dropped, std::vector<std::string>{"39: investment action not handled"});
 }
 
 TEST(LIFReaderTest, BadLinesAreLoggedWithTheirNumbers) {
@@ -394,11 +403,41 @@ TEST(LIFReaderTest, BadLinesAreLoggedWithTheirNumbers) {
   EXPECT_TRUE(read.logged("Unknown section !Type:Wobble skipped"));
   EXPECT_TRUE(read.logged("Line 11: very long line (5000 characters)"));
   EXPECT_TRUE(read.logged("Line 18: the last record ends without \"^\""));
+  // The record of lines 6-9 has no amount that reads: it is left out, never stored as zero.
   const auto transactions = read.all<LIFBankTransaction>();
-  ASSERT_EQ(transactions.size(), 2u);
-  EXPECT_EQ(iso(transactions[0].date), "none");
-  EXPECT_TRUE(transactions[0].amount.isNaN());
-  EXPECT_EQ(transactions[1].amount, dec("5"));
+  ASSERT_EQ(transactions.size(), 1u);
+  EXPECT_EQ(read.dropped, std::vector<std::string>{"6: amount not a number"});
+  EXPECT_EQ(transactions[0].amount, dec("5"));
+}
+
+TEST(LIFReaderTest, RecordsLeftOutAreReportedWithLineAndRule) {
+  struct Case {
+    std::string records;  // after the prelude, from line 17
+    std::string dropped;  // "" when the record is read
+    std::string date;     // of a record read
+  };
+  const std::vector<Case> cases = {
+      {"D1/5/26\nNBuy\nYAcme Corp\nIabc\nQ5\nT51\n^\n", "17: amount not a number", ""},
+      {"D1/5/26\nNBuy\nYAcme Corp\nQ5\nT51\nO1.2.3\n^\n", "17: amount not a number", ""},
+      {"D1/5/26\nNXIn\nTlots\n^\n", "17: amount not a number", ""},
+      {"D1/5/26\nNGrant\nYAcme Corp\nT1\n^\n", "17: investment action not handled", ""},
+      {"D1/5/26\nNBuy\nYAcme Corp\nQ5\n!Type:Cat\nNFood\n^\n",
+       "17: not ended by \"^\" before the next section", ""},
+      {"!Type:Bank\nD1/5/26\nT2\nS[Checking]\n$1\nSFood\n$x\n^\n", "18: amount not a number", ""},
+      {"!Type:Bank\nD1/5/26\nT2\n!Type:Cat\n", "18: not ended by \"^\" before the next section",
+       ""},
+      {"D02/30/26\nNBuy\nYAcme Corp\nQ5\nT51\n^\n", "", "none"},
+  };
+  for (const Case& c : cases) {
+    const Read read(std::string(kInvestmentPrelude) + c.records);
+    EXPECT_EQ(read.dropped,
+              c.dropped.empty() ? std::vector<std::string>{} : std::vector<std::string>{c.dropped})
+        << c.records;
+    if (c.dropped.empty()) {
+      ASSERT_EQ(read.all<LIFInvestmentTransaction>().size(), 1u) << c.records;
+      EXPECT_EQ(iso(read.all<LIFInvestmentTransaction>()[0].date), c.date);
+    }
+  }
 }
 
 TEST(LIFReaderTest, GarbageIsReportedAndCapped) {
@@ -464,7 +503,7 @@ TEST(LIFReaderTest, BundledSampleReadsWithoutProblems) {
     investments += std::holds_alternative<LIFInvestmentTransaction>(record);
     prices += std::holds_alternative<LIFPrice>(record);
   }
-  EXPECT_EQ(bank, 13u);  // 7 checking, 4 card, 2 brokerage cash
+  EXPECT_EQ(bank, 16u);  // 8 checking, 5 card, 1 loan, 2 brokerage cash
   EXPECT_EQ(investments, 7u);
   EXPECT_EQ(prices, 5u);
   EXPECT_EQ(reader.accountsWithStockSplits().at("Retirement Brokerage"), 1u);

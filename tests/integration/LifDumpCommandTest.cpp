@@ -1,5 +1,6 @@
 #include <fstream>
 #include <string>
+#include <vector>
 
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
@@ -19,7 +20,7 @@ TEST(LifDumpCommand, PrintsTheRecordsAndTheLogTree) {
       testing::runCli({"lif", "dump", demoFile("household.lif"), "--json"}, home.path());
   ASSERT_EQ(result.exitStatus, 0) << result.err;
   const auto json = nlohmann::json::parse(result.out);
-  ASSERT_EQ(json["records"].size(), 42u);  // 3 securities, 4 account lists, 10 lists, 25 others
+  ASSERT_EQ(json["records"].size(), 46u);  // 3 securities, 5 account lists, 10 lists, 28 others
   EXPECT_EQ(json["records"][0]["record"], "security");
   EXPECT_EQ(json["log"]["text"], "Import Log");
 
@@ -53,6 +54,24 @@ TEST(CsvDumpCommand, PrintsRows) {
                             home.path())
                 .exitStatus,
             1);
+}
+
+TEST(CsvDumpCommand, SaysWhereAStrayQuoteStoppedTheReading) {
+  testing::TempFolder home;
+  { std::ofstream(home / "stray.csv") << "a,b\r\nc,d\r\ne,f\"g\r\nh,i\r\n"; }
+  for (const bool json : {false, true}) {
+    std::vector<std::string> arguments = {"csv", "dump", (home / "stray.csv").string()};
+    if (json) arguments.push_back("--json");
+    const auto result = testing::runCli(arguments, home.path());
+    EXPECT_EQ(result.exitStatus, 0) << result.err;
+    EXPECT_NE(result.err.find("reading stopped at line 3 (a double quote inside a field that "
+                              "does not start with one); the rest of the file was not read"),
+              std::string::npos)
+        << result.err;
+    if (json) {
+      EXPECT_EQ(nlohmann::json::parse(result.out).size(), 3u);
+    }
+  }
 }
 
 }  // namespace

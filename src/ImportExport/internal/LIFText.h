@@ -54,6 +54,13 @@ inline std::string withoutQuotes(std::string_view text) {
   return result;
 }
 
+// Whether a text starts with an integer (after spaces and a sign).
+inline bool startsWithInteger(std::string_view text) {
+  text = trimmed(text);
+  if (!text.empty() && (text.front() == '-' || text.front() == '+')) text.remove_prefix(1);
+  return !text.empty() && text.front() >= '0' && text.front() <= '9';
+}
+
 // The leading integer of a text (after spaces and a sign), 0 when there is none; saturates.
 inline int64_t integerValue(std::string_view text) {
   text = trimmed(text);
