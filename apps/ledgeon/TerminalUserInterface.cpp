@@ -1,7 +1,6 @@
 #include "TerminalUserInterface.h"
 
 #include <algorithm>
-#include <cctype>
 #include <cmath>
 #include <csignal>
 #include <cstdlib>
@@ -15,16 +14,11 @@
 #include <unistd.h>
 
 #include "Platform/Services.h"
+#include "Utilities/AsciiText.h"
 
 namespace ledgeon::cli {
 
 namespace {
-
-std::string lowercase(std::string text) {
-  std::transform(text.begin(), text.end(), text.begin(),
-                 [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
-  return text;
-}
 
 volatile std::sig_atomic_t interruptRequested = 0;
 
@@ -112,13 +106,13 @@ AlertResponse TerminalUserInterface::runAlert(const Alert& alert) {
     return AlertResponse{index, false};
   };
   for (std::size_t i = 0; i < alert.buttons.size() && !standingAnswer_.empty(); ++i) {
-    if (lowercase(alert.buttons[i]) == lowercase(standingAnswer_)) return answer(i);
+    if (asciiLowercased(alert.buttons[i]) == asciiLowercased(standingAnswer_)) return answer(i);
   }
   while (!presetAnswers_.empty()) {
-    const std::string wanted = lowercase(presetAnswers_.front());
+    const std::string wanted = asciiLowercased(presetAnswers_.front());
     presetAnswers_.pop_front();
     for (std::size_t i = 0; i < alert.buttons.size(); ++i) {
-      if (lowercase(alert.buttons[i]) == wanted) return answer(i);
+      if (asciiLowercased(alert.buttons[i]) == wanted) return answer(i);
     }
     std::cerr << "(answer \"" << wanted << "\" is not one of the buttons)\n";
   }
@@ -138,7 +132,7 @@ AlertResponse TerminalUserInterface::runAlert(const Alert& alert) {
       std::cerr << *alert.suppressionTitle << " [y/N] " << std::flush;
       std::string tick;
       std::getline(std::cin, tick);
-      response.suppressionChecked = lowercase(tick).rfind('y', 0) == 0;
+      response.suppressionChecked = asciiLowercased(tick).rfind('y', 0) == 0;
     }
     return response;
   }

@@ -1,12 +1,12 @@
 #include "Documents/LDocumentPackage.h"
 
 #include <algorithm>
-#include <cctype>
 #include <fstream>
 #include <mutex>
 #include <sstream>
 #include <utility>
 
+#include "Utilities/AsciiText.h"
 #include "Utilities/FileContents.h"
 #include "Utilities/Log.h"
 
@@ -36,12 +36,6 @@ Error packageError(const fs::path& path, const std::string& what) {
   Error error = Error::make(kLErrorDomain, 1, path.string() + ": " + what);
   error.userInfo[kFilePathErrorKey] = path.string();
   return error;
-}
-
-std::string lowercase(std::string text) {
-  std::transform(text.begin(), text.end(), text.begin(),
-                 [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
-  return text;
 }
 
 // A name usable as one path component: no separators, not "." or "..".
@@ -189,7 +183,7 @@ bool LDocumentPackage::dataBaseFileExistsInPackage(const Path& packagePath) {
 
 bool LDocumentPackage::isWebConnectFile(const Path& path) {
   static const std::vector<std::string> kExtensions = {".ofx", ".qfx", ".lfx"};
-  const std::string ext = lowercase(path.extension().string());
+  const std::string ext = asciiLowercased(path.extension().string());
   std::error_code ec;
   return std::find(kExtensions.begin(), kExtensions.end(), ext) != kExtensions.end() &&
          !fs::is_directory(path, ec);

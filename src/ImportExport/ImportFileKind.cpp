@@ -1,12 +1,11 @@
 #include "ImportExport/ImportFileKind.h"
 
-#include <algorithm>
 #include <array>
-#include <cctype>
 #include <fstream>
 #include <utility>
 
 #include "ImportExport/TextFileReader.h"
+#include "Utilities/AsciiText.h"
 
 namespace ledgeon {
 namespace {
@@ -46,13 +45,6 @@ bool looksBinary(std::string_view bytes) {
   return controls * 20 > bytes.size();
 }
 
-std::string lowercased(std::string_view text) {
-  std::string lower(text);
-  std::transform(lower.begin(), lower.end(), lower.begin(),
-                 [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
-  return lower;
-}
-
 }  // namespace
 
 Result<ImportFileKind> ImportFileKind::ofFile(const std::filesystem::path& path) {
@@ -87,7 +79,7 @@ ImportFileKind ImportFileKind::ofText(std::string_view text) {
   text.remove_prefix(first);
   if (startsWith(text, "!")) return {Kind::kLIF};
   if (startsWith(text, "OFXHEADER")) return {Kind::kOFX1};
-  const std::string lower = lowercased(text);
+  const std::string lower = asciiLowercased(text);
   if (startsWith(lower, "<?xml")) {
     const bool ofx =
         lower.find("ofxheader") != std::string::npos || lower.find("<ofx>") != std::string::npos;
