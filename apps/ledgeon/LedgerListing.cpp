@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include "CliValues.h"
+#include "Utilities/JsonStreamWriter.h"
 
 namespace ledgeon::cli {
 
@@ -94,47 +95,41 @@ std::string reconcileStatusName(int64_t status) {
   }
 }
 
-nlohmann::json accountsJson(const std::vector<AccountRow>& rows) {
-  nlohmann::json out = nlohmann::json::array();
-  for (const AccountRow& row : rows) {
-    nlohmann::json account = {{"name", row.name},
-                              {"type", row.type},
-                              {"currency", row.currency},
-                              {"balance", exactMoneyText(row.balance, row.fractionDigits)}};
-    if (row.investment) {
-      account["cash"] = account["balance"];
-      account["holdings"] = holdingsJson(row);
-    }
-    out.push_back(std::move(account));
+namespace {
+
+nlohmann::json accountJson(const AccountRow& row) {
+  nlohmann::json account = {{"name", row.name},
+                            {"type", row.type},
+                            {"currency", row.currency},
+                            {"balance", exactMoneyText(row.balance, row.fractionDigits)}};
+  if (row.investment) {
+    account["cash"] = account["balance"];
+    account["holdings"] = holdingsJson(row);
   }
-  return out;
+  return account;
 }
 
-nlohmann::json transactionsJson(const std::vector<TransactionRow>& rows) {
-  nlohmann::json out = nlohmann::json::array();
-  for (const TransactionRow& row : rows) {
-    nlohmann::json transaction = {{"id", row.id},
-                                  {"kind", row.investment ? "investment" : "cashFlow"},
-                                  {"account", row.account},
-                                  {"date", dateJson(row.date)},
-                                  {"amount", exactMoneyText(row.amount, row.fractionDigits)},
-                                  {"payee", row.payee},
-                                  {"note", row.note},
-                                  {"checkNumber", row.checkNumber},
-                                  {"reconcileStatus", row.reconcileStatus},
-                                  {"transferAccount", row.transferAccount},
-                                  {"splits", entriesJson(row)}};
-    if (const auto& investment = row.investment) {
-      transaction["type"] = investment->type;
-      transaction["action"] = investment->action;
-      transaction["security"] = investment->security;
-      transaction["units"] = investment->units.stringValue();
-      transaction["price"] = amountJson(investment->price);
-      transaction["commission"] = exactMoneyText(investment->commission, row.fractionDigits);
-    }
-    out.push_back(std::move(transaction));
+nlohmann::json transactionJson(const TransactionRow& row) {
+  nlohmann::json transaction = {{"id", row.id},
+                                {"kind", row.investment ? "investment" : "cashFlow"},
+                                {"account", row.account},
+                                {"date", dateJson(row.date)},
+                                {"amount", exactMoneyText(row.amount, row.fractionDigits)},
+                                {"payee", row.payee},
+                                {"note", row.note},
+                                {"checkNumber", row.checkNumber},
+                                {"reconcileStatus", row.reconcileStatus},
+                                {"transferAccount", row.transferAccount},
+                                {"splits", entriesJson(row)}};
+  if (const auto& investment = row.investment) {
+    transaction["type"] = investment->type;
+    transaction["action"] = investment->action;
+    transaction["security"] = investment->security;
+    transaction["units"] = investment->units.stringValue();
+    transaction["price"] = amountJson(investment->price);
+    transaction["commission"] = exactMoneyText(investment->commission, row.fractionDigits);
   }
-  return out;
+  return transaction;
 }
 
 void printAccounts(std::ostream& out, const std::vector<AccountRow>& rows) {
@@ -173,6 +168,34 @@ void printTransactions(std::ostream& out, const std::vector<TransactionRow>& row
     if (!row.note.empty()) line += "  \"" + row.note + "\"";
     out << line << '\n';
     printEntries(out, row);
+  }
+}
+
+// One record at a time: the listing never exists as a whole JSON tree.
+template <typename Row>
+void writeJsonArray(std::ostream& out, const std::vector<Row>& rows,
+                    nlohmann::json (*recordJson)(const Row&)) {
+  JsonStreamWriter writer(out);
+  writer.beginArray();
+  for (const Row& row : rows) writer.value(recordJson(row));
+  writer.end();
+}
+
+}  // namespace
+
+void writeAccounts(std::ostream& out, const std::vector<AccountRow>& rows, bool json) {
+  if (json) {
+    writeJsonArray(out, rows, accountJson);
+  } else {
+    printAccounts(out, rows);
+  }
+}
+
+void writeTransactions(std::ostream& out, const std::vector<TransactionRow>& rows, bool json) {
+  if (json) {
+    writeJsonArray(out, rows, transactionJson);
+  } else {
+    printTransactions(out, rows);
   }
 }
 

@@ -5,8 +5,6 @@
 #include <string>
 #include <vector>
 
-#include <nlohmann/json.hpp>
-
 #include "Documents/LedgerRows.h"
 #include "Utilities/Amount.h"
 
@@ -15,10 +13,9 @@ namespace ledgeon::cli {
 // The ledger's rows (LedgerQueries) as text and JSON. Money is exact in JSON; text shows the
 // currency's digits at least.
 
-nlohmann::json accountsJson(const std::vector<AccountRow>& rows);
-nlohmann::json transactionsJson(const std::vector<TransactionRow>& rows);
-void printAccounts(std::ostream& out, const std::vector<AccountRow>& rows);
-void printTransactions(std::ostream& out, const std::vector<TransactionRow>& rows);
+// The rows as text lines, or with `json` as one JSON array written a record at a time.
+void writeAccounts(std::ostream& out, const std::vector<AccountRow>& rows, bool json);
+void writeTransactions(std::ostream& out, const std::vector<TransactionRow>& rows, bool json);
 
 // `value` exactly, with at least `minimumDigits` fraction digits ("-120" -> "-120.00"); digits
 // beyond them are kept, never rounded away.

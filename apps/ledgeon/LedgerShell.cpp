@@ -289,11 +289,7 @@ void LedgerShell::accountRequest(const std::string& verb, const Arguments& argum
   if (verb == "list") {
     requirePositional(arguments, 0, "account list [--json]");
     const auto rows = queries().accountRows();
-    if (arguments.json) {
-      out_ << accountsJson(rows).dump(2) << '\n';
-    } else {
-      printAccounts(out_, rows);
-    }
+    writeAccounts(out_, rows, arguments.json);
     return;
   }
   requirePositional(arguments, 1, "account add|edit|delete NAME [options]");

@@ -65,11 +65,7 @@ void LedgerShell::transactionRequest(const std::string& verb, const Arguments& a
     LObject* account =
         arguments.positional.empty() ? nullptr : &requireAccount(arguments.positional[0]);
     const auto rows = queries().transactionRows(account);
-    if (arguments.json) {
-      out_ << transactionsJson(rows).dump(2) << '\n';
-    } else {
-      printTransactions(out_, rows);
-    }
+    writeTransactions(out_, rows, arguments.json);
     return;
   }
   if (verb == "delete" || verb == "duplicate") {

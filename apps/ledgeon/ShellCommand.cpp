@@ -56,11 +56,7 @@ void runShell(const LedgerOptions& options) {
 void listAccounts(const LedgerOptions& options) {
   OpenLedger ledger(options.document, options.answers);
   const auto rows = ledger->ledgerQueries().accountRows();
-  if (options.json) {
-    std::cout << accountsJson(rows).dump(2) << '\n';
-  } else {
-    printAccounts(std::cout, rows);
-  }
+  writeAccounts(std::cout, rows, options.json);
 }
 
 void listTransactions(const LedgerOptions& options) {
@@ -72,11 +68,7 @@ void listTransactions(const LedgerOptions& options) {
     if (!account) throw CommandFailure("no account named \"" + options.account + "\"");
   }
   const auto rows = queries.transactionRows(account);
-  if (options.json) {
-    std::cout << transactionsJson(rows).dump(2) << '\n';
-  } else {
-    printTransactions(std::cout, rows);
-  }
+  writeTransactions(std::cout, rows, options.json);
 }
 
 void addDocumentOptions(CLI::App& command, LedgerOptions& options) {
